@@ -1,0 +1,72 @@
+// A std::mutex with clang thread-safety annotations, so that clang's -Wthread-safety
+// checks which members a lock guards. Private to the library.
+#pragma once
+
+#include <condition_variable>
+#include <mutex>
+
+#if defined(__clang__)
+#define SH_THREAD_ANNOTATION(x) __attribute__((x))
+#else
+#define SH_THREAD_ANNOTATION(x)
+#endif
+
+#define SH_CAPABILITY(x) SH_THREAD_ANNOTATION(capability(x))
+#define SH_SCOPED_CAPABILITY SH_THREAD_ANNOTATION(scoped_lockable)
+#define SH_GUARDED_BY(x) SH_THREAD_ANNOTATION(guarded_by(x))
+#define SH_PT_GUARDED_BY(x) SH_THREAD_ANNOTATION(pt_guarded_by(x))
+#define SH_REQUIRES(...) SH_THREAD_ANNOTATION(requires_capability(__VA_ARGS__))
+#define SH_EXCLUDES(...) SH_THREAD_ANNOTATION(locks_excluded(__VA_ARGS__))
+#define SH_ACQUIRE(...) SH_THREAD_ANNOTATION(acquire_capability(__VA_ARGS__))
+#define SH_RELEASE(...) SH_THREAD_ANNOTATION(release_capability(__VA_ARGS__))
+#define SH_NO_THREAD_SAFETY_ANALYSIS SH_THREAD_ANNOTATION(no_thread_safety_analysis)
+
+namespace smarthome {
+namespace detail {
+
+class SH_CAPABILITY("mutex") Mutex {
+public:
+    Mutex() = default;
+    Mutex(const Mutex&) = delete;
+    Mutex& operator=(const Mutex&) = delete;
+
+    void lock() SH_ACQUIRE() { mutex_.lock(); }
+    void unlock() SH_RELEASE() { mutex_.unlock(); }
+    std::mutex& native() { return mutex_; }
+
+private:
+    std::mutex mutex_;
+};
+
+// Scoped lock over Mutex. Waiting on a condition variable goes through wait()/waitFor(),
+// which keep the annotations honest (the lock is held again when they return).
+class SH_SCOPED_CAPABILITY MutexLock {
+public:
+    explicit MutexLock(Mutex& mutex) SH_ACQUIRE(mutex) : lock_(mutex.native()) {}
+    ~MutexLock() SH_RELEASE() = default;
+    MutexLock(const MutexLock&) = delete;
+    MutexLock& operator=(const MutexLock&) = delete;
+
+    template <typename Predicate>
+    void wait(std::condition_variable& cv, Predicate predicate) {
+        cv.wait(lock_, predicate);
+    }
+    template <typename Clock, typename Duration, typename Predicate>
+    bool waitUntil(std::condition_variable& cv, const std::chrono::time_point<Clock, Duration>& deadline,
+                   Predicate predicate) {
+        return cv.wait_until(lock_, deadline, predicate);
+    }
+    template <typename Rep, typename Period, typename Predicate>
+    bool waitFor(std::condition_variable& cv, const std::chrono::duration<Rep, Period>& timeout,
+                 Predicate predicate) {
+        return cv.wait_for(lock_, timeout, predicate);
+    }
+    void unlock() SH_RELEASE() { lock_.unlock(); }
+    void relock() SH_ACQUIRE() { lock_.lock(); }
+
+private:
+    std::unique_lock<std::mutex> lock_;
+};
+
+}  // namespace detail
+}  // namespace smarthome
