@@ -52,8 +52,8 @@ public:
         cv.wait(lock_, predicate);
     }
     template <typename Clock, typename Duration, typename Predicate>
-    bool waitUntil(std::condition_variable& cv, const std::chrono::time_point<Clock, Duration>& deadline,
-                   Predicate predicate) {
+    bool waitUntil(std::condition_variable& cv,
+                   const std::chrono::time_point<Clock, Duration>& deadline, Predicate predicate) {
         return cv.wait_until(lock_, deadline, predicate);
     }
     template <typename Rep, typename Period, typename Predicate>

@@ -13,8 +13,8 @@ namespace {
 TEST(HostMetrics, RecordsReachTheSinkWithTheirRoutingFieldsUncut) {
     test::MetricsCapture capture;
     std::string longRecord(3000, 'm');
-    EXPECT_EQ(__metrics_log_print_v2(4, "SmartHome", "grp", "schema", 100, "%s", longRecord.c_str()),
-              1);
+    EXPECT_EQ(
+        __metrics_log_print_v2(4, "SmartHome", "grp", "schema", 100, "%s", longRecord.c_str()), 1);
     auto records = capture.records();
     ASSERT_EQ(records.size(), 1u);
     EXPECT_EQ(records[0].priority, 4);

@@ -14,7 +14,8 @@ protected:
     void SetUp() override { port::clearSystemProperties(); }
     void TearDown() override { port::clearSystemProperties(); }
 
-    static std::string get(const char* key, const char* defaultValue = nullptr, int* length = nullptr) {
+    static std::string get(const char* key, const char* defaultValue = nullptr,
+                           int* length = nullptr) {
         char value[PROP_VALUE_MAX];
         int written = property_get(key, value, defaultValue);
         if (length != nullptr) {
@@ -76,12 +77,11 @@ TEST_F(HostProperties, BoolFollowsTheDeviceSpellings) {
         bool withFalseDefault;
         bool withTrueDefault;
     };
-    const Case cases[] = {{"1", true, true},      {"y", true, true},      {"yes", true, true},
-                          {"true", true, true},   {"on", true, true},     {"0", false, false},
-                          {"n", false, false},    {"no", false, false},   {"false", false, false},
-                          {"off", false, false},  {"Y", false, true},     {"TRUE", false, true},
-                          {" yes", false, true},  {"yes ", false, true},  {"2", false, true},
-                          {"nope", false, true}};
+    const Case cases[] = {
+        {"1", true, true},       {"y", true, true},     {"yes", true, true}, {"true", true, true},
+        {"on", true, true},      {"0", false, false},   {"n", false, false}, {"no", false, false},
+        {"false", false, false}, {"off", false, false}, {"Y", false, true},  {"TRUE", false, true},
+        {" yes", false, true},   {"yes ", false, true}, {"2", false, true},  {"nope", false, true}};
     for (const auto& c : cases) {
         ASSERT_EQ(property_set("test.flag", c.value), 0);
         EXPECT_EQ(property_get_bool("test.flag", false), c.withFalseDefault) << c.value;

@@ -75,7 +75,8 @@ void MetricsCapture::clear() {
 }
 
 TempDir::TempDir() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "smarthome-test-XXXXXX").string();
+    std::string pattern =
+        (std::filesystem::temp_directory_path() / "smarthome-test-XXXXXX").string();
     char* made = mkdtemp(&pattern[0]);
     path_ = made != nullptr ? std::string(made) : std::string();
 }

@@ -26,14 +26,29 @@ int thresholdFromEnvironment() {
         return ANDROID_LOG_INFO;
     }
     switch (level[0]) {
-        case 'v': case 'V': return ANDROID_LOG_VERBOSE;
-        case 'd': case 'D': return ANDROID_LOG_DEBUG;
-        case 'i': case 'I': return ANDROID_LOG_INFO;
-        case 'w': case 'W': return ANDROID_LOG_WARN;
-        case 'e': case 'E': return ANDROID_LOG_ERROR;
-        case 'f': case 'F': return ANDROID_LOG_FATAL;
-        case 's': case 'S': return ANDROID_LOG_SILENT;
-        default: return ANDROID_LOG_INFO;
+        case 'v':
+        case 'V':
+            return ANDROID_LOG_VERBOSE;
+        case 'd':
+        case 'D':
+            return ANDROID_LOG_DEBUG;
+        case 'i':
+        case 'I':
+            return ANDROID_LOG_INFO;
+        case 'w':
+        case 'W':
+            return ANDROID_LOG_WARN;
+        case 'e':
+        case 'E':
+            return ANDROID_LOG_ERROR;
+        case 'f':
+        case 'F':
+            return ANDROID_LOG_FATAL;
+        case 's':
+        case 'S':
+            return ANDROID_LOG_SILENT;
+        default:
+            return ANDROID_LOG_INFO;
     }
 }
 

@@ -55,7 +55,8 @@ public:
             sink_(priority, program, groupId, schemaId, version, record);
             return;
         }
-        std::fprintf(stderr, "metric priority=%d program=%s groupId=%s schemaId=%s version=%d: %s\n",
+        std::fprintf(stderr,
+                     "metric priority=%d program=%s groupId=%s schemaId=%s version=%d: %s\n",
                      priority, program, groupId, schemaId, version, record);
     }
 

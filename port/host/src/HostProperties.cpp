@@ -18,8 +18,8 @@ namespace {
 constexpr size_t kMaxValueLength = PROP_VALUE_MAX - 1;
 
 bool isLegalNameCharacter(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
-           c == '.' || c == '_' || c == '-' || c == '@' || c == ':';
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '.' ||
+           c == '_' || c == '-' || c == '@' || c == ':';
 }
 
 bool isLegalName(const std::string& name) {
@@ -173,8 +173,7 @@ private:
     std::unordered_map<std::string, std::string> values_ SH_GUARDED_BY(mutex_);
 };
 
-intmax_t getBoundedInteger(const char* key, intmax_t lower, intmax_t upper,
-                           intmax_t defaultValue) {
+intmax_t getBoundedInteger(const char* key, intmax_t lower, intmax_t upper, intmax_t defaultValue) {
     if (key == nullptr) {
         return defaultValue;
     }
@@ -221,9 +220,14 @@ extern "C" bool property_get_bool(const char* key, bool default_value) {
     int length = property_get(key, buffer, "");
     if (length == 1) {
         switch (buffer[0]) {
-            case '0': case 'n': return false;
-            case '1': case 'y': return true;
-            default: return default_value;
+            case '0':
+            case 'n':
+                return false;
+            case '1':
+            case 'y':
+                return true;
+            default:
+                return default_value;
         }
     }
     if (length > 1) {
