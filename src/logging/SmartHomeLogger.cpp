@@ -36,16 +36,15 @@ std::string SmartHomeLogger::getTag() const {
     return tag;
 }
 
-#define SMARTHOME_LOGGER_VARARGS(letter)                              \
-    void SmartHomeLogger::letter(const char* format, ...) const {     \
-        va_list args;                                                 \
-        va_start(args, format);                                       \
-        SmartHomeLoggerImpl::letter(tag.c_str(), format, args);       \
-        va_end(args);                                                 \
-    }                                                                 \
-    void SmartHomeLogger::letter(const std::string& message,          \
-                                 const std::exception& error) const { \
-        SmartHomeLoggerImpl::letter(tag.c_str(), message, error);     \
+#define SMARTHOME_LOGGER_VARARGS(letter)                                                          \
+    void SmartHomeLogger::letter(const char* format, ...) const {                                 \
+        va_list args;                                                                             \
+        va_start(args, format);                                                                   \
+        SmartHomeLoggerImpl::letter(tag.c_str(), format, args);                                   \
+        va_end(args);                                                                             \
+    }                                                                                             \
+    void SmartHomeLogger::letter(const std::string& message, const std::exception& error) const { \
+        SmartHomeLoggerImpl::letter(tag.c_str(), message, error);                                 \
     }
 
 SMARTHOME_LOGGER_VARARGS(v)
