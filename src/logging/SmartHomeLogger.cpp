@@ -30,6 +30,12 @@ SmartHomeLogger::SmartHomeLogger(std::string tag) : tag(kTagPrefix + std::move(t
 SmartHomeLogger::SmartHomeLogger(std::initializer_list<const char* const> parts)
     : tag(tagFromParts(parts)) {}
 
+SmartHomeLogger::SmartHomeLogger(std::string tag, std::string id)
+    : tag(kTagPrefix + std::move(tag) + "(" + compressAndObfuscateUid(id) + ")") {}
+
+SmartHomeLogger::SmartHomeLogger(std::initializer_list<const char* const> parts, std::string id)
+    : tag(tagFromParts(parts) + "(" + compressAndObfuscateUid(id) + ")") {}
+
 SmartHomeLogger::SmartHomeLogger(const SmartHomeLogger& other) : tag(kTagPrefix + other.tag) {}
 
 std::string SmartHomeLogger::getTag() const {
