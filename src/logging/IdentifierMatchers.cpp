@@ -5,20 +5,50 @@ namespace detail {
 
 namespace {
 
-bool isSpace(char c) {
-    return c == ' ' || (c >= '\t' && c <= '\r');
+// Character classes of the C locale, one table lookup per character.
+enum : unsigned char {
+    kSpace = 1 << 0,
+    kDigit = 1 << 1,
+    kHex = 1 << 2,
+    kAlnum = 1 << 3,
+    kShortId = 1 << 4,  // letters, digits, '_', '.', '-'
+};
+
+struct ClassTable {
+    unsigned char bits[256] = {};
+    constexpr ClassTable() {
+        for (int c = 0; c < 256; ++c) {
+            unsigned char b = 0;
+            const bool digit = c >= '0' && c <= '9';
+            const bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+            if (c == ' ' || (c >= '\t' && c <= '\r'))
+                b |= kSpace;
+            if (digit)
+                b |= kDigit;
+            if (digit || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'))
+                b |= kHex;
+            if (digit || letter)
+                b |= kAlnum;
+            if (digit || letter || c == '_' || c == '.' || c == '-')
+                b |= kShortId;
+            bits[c] = b;
+        }
+    }
+};
+
+constexpr ClassTable kClasses;
+
+inline bool is(char c, unsigned char mask) {
+    return (kClasses.bits[static_cast<unsigned char>(c)] & mask) != 0;
 }
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
+inline bool isSpace(char c) {
+    return is(c, kSpace);
 }
-bool isHex(char c) {
-    return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+inline bool isDigit(char c) {
+    return is(c, kDigit);
 }
-bool isAlnum(char c) {
-    return isDigit(c) || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-bool isShortIdCharacter(char c) {
-    return isAlnum(c) || c == '_' || c == '.' || c == '-';
+inline bool isHex(char c) {
+    return is(c, kHex);
 }
 
 // One dotted-quad part: [01]?\d\d? | 2[0-4]\d | 25[0-5], all digits, 1 to 3 long.
@@ -58,16 +88,16 @@ TrimmedView trimmedView(const std::string& text) {
 }
 
 bool isMacWithSeparator(const char* text, size_t size, char separator) {
-    // 6, 7 or 8 octets: 17, 20 or 23 characters.
+    // 6, 7 or 8 octets: 17, 20 or 23 characters, octet and separator alternating.
     if (size != 17 && size != 20 && size != 23) {
         return false;
     }
-    for (size_t i = 0; i < size; ++i) {
-        if (i % 3 == 2 ? text[i] != separator : !isHex(text[i])) {
+    for (size_t i = 0; i + 2 < size; i += 3) {
+        if (!isHex(text[i]) || !isHex(text[i + 1]) || text[i + 2] != separator) {
             return false;
         }
     }
-    return true;
+    return isHex(text[size - 2]) && isHex(text[size - 1]);
 }
 
 bool isIPv4(const char* text, size_t size) {
@@ -101,11 +131,13 @@ bool isEndpointId(const char* text, size_t size) {
     if (size < 11 || text[4] != '_' || text[9] != '_') {
         return false;
     }
-    for (size_t i = 0; i < size; ++i) {
-        if (i == 4 || i == 9) {
-            continue;
+    for (size_t i = 0; i < 4; ++i) {
+        if (!isHex(text[i]) || !isHex(text[i + 5])) {
+            return false;
         }
-        if (i < 9 ? !isHex(text[i]) : !isAlnum(text[i])) {
+    }
+    for (size_t i = 10; i < size; ++i) {
+        if (!is(text[i], kAlnum)) {
             return false;
         }
     }
@@ -118,7 +150,7 @@ bool isShortId(const char* text, size_t size) {
     }
     bool digit = false;
     for (size_t i = 0; i < size; ++i) {
-        if (!isShortIdCharacter(text[i])) {
+        if (!is(text[i], kShortId)) {
             return false;
         }
         digit = digit || isDigit(text[i]);

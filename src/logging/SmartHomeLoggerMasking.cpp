@@ -1,12 +1,15 @@
 // Identifier masking of SmartHomeLogger. The recognisers are hand-written scans that
 // accept exactly what the documented patterns accept (see IdentifierMatchers.h), so a
 // mask costs a few dozen nanoseconds instead of a regular-expression match.
+#include <algorithm>
+#include <cstring>
+#include <initializer_list>
+#include <utility>
 #include <vector>
 
 #include "logging/IdentifierMatchers.h"
 #include "smarthome/JSONUtil.h"
 #include "smarthome/SmartHomeLogger.h"
-#include "smarthome/StringUtils.h"
 #include "smarthome/SystemPropertyWrapper.h"
 
 namespace smarthome {
@@ -15,11 +18,125 @@ namespace {
 
 const char kSecretMask[] = "XXXX";
 const char kUnrecognisedMask[] = "XXX";
-const char kIpHead[] = "XXX.XXX.";
-const char kUuidHead[] = "XXXXXXXXXXXX";
 
-std::pair<bool, std::string> notRecognised(const std::string& input) {
-    return {false, input};
+// The rules below write the masked text into out and return true when they recognise
+// the input; out is untouched otherwise. They build each result with a single sizing of
+// out, so a mask costs at most one allocation (none when the result fits the string's
+// inline buffer).
+
+void assign(std::string& out, std::initializer_list<std::pair<const char*, size_t>> pieces) {
+    size_t size = 0;
+    for (const auto& piece : pieces) {
+        size += piece.second;
+    }
+    out.clear();
+    out.reserve(size);
+    for (const auto& piece : pieces) {
+        out.append(piece.first, piece.second);
+    }
+}
+
+bool maskMac(const std::string& mac, bool compress, std::string& out) {
+    if (mac.empty()) {
+        out.clear();
+        return true;
+    }
+    // Matched on the untrimmed input: a MAC with blanks around is not one, so a match
+    // has nothing to trim.
+    const char* data = mac.data();
+    const size_t size = mac.size();
+    if (!detail::isMacWithSeparator(data, size, ':') &&
+        !detail::isMacWithSeparator(data, size, '-')) {
+        return false;
+    }
+    const char* tail = data + size - 5;
+    if (compress) {
+        assign(out, {{kUnrecognisedMask, 3}, {tail, 5}});
+        return true;
+    }
+    // At most 23 characters: build them on the stack and copy once.
+    char buffer[23];
+    const char separator = data[2];
+    // 4, 5 or 6 octets masked: every one but the last two.
+    const size_t maskedOctets = std::min<size_t>((size + 1) / 3 - 2, 6);
+    char* cursor = buffer;
+    for (size_t i = 0; i < maskedOctets; ++i) {
+        *cursor++ = 'X';
+        *cursor++ = 'X';
+        *cursor++ = separator;
+    }
+    std::memcpy(cursor, tail, 5);
+    out.assign(buffer, static_cast<size_t>(cursor + 5 - buffer));
+    return true;
+}
+
+bool maskIp(const std::string& ip, std::string& out) {
+    if (ip.empty()) {
+        out.clear();
+        return true;
+    }
+    detail::TrimmedView t = detail::trimmedView(ip);
+    if (!detail::isIPv4(t.data, t.size)) {
+        return false;
+    }
+    // "XXX.XXX." + the third part + "." + the fourth part: everything after the second dot.
+    const char* second = static_cast<const char*>(std::memchr(t.data, '.', t.size));
+    second = static_cast<const char*>(std::memchr(second + 1, '.', t.size - (second + 1 - t.data)));
+    const char* rest = second + 1;
+    assign(out, {{"XXX.XXX.", 8}, {rest, static_cast<size_t>(t.data + t.size - rest)}});
+    return true;
+}
+
+bool maskUuid(const std::string& uuid, bool compress, std::string& out) {
+    if (uuid.empty()) {
+        out.clear();
+        return true;
+    }
+    detail::TrimmedView t = detail::trimmedView(uuid);
+    if (!detail::isHex32(t.data, t.size)) {
+        return false;
+    }
+    const char* tail = t.data + t.size - 12;
+    if (compress) {
+        assign(out, {{kUnrecognisedMask, 3}, {tail, 12}});
+    } else {
+        assign(out, {{"XXXXXXXXXXXX", 12}, {tail, 12}});
+    }
+    return true;
+}
+
+bool maskEndpointId(const std::string& id, std::string& out) {
+    if (id.empty()) {
+        out.clear();
+        return true;
+    }
+    detail::TrimmedView t = detail::trimmedView(id);
+    if (detail::isEndpointId(t.data, t.size)) {
+        // vendor "_" product "_XXX" + the first four characters of the whole id (the
+        // vendor again, not the serial's head).
+        char buffer[17];
+        std::memcpy(buffer, t.data, 10);
+        std::memcpy(buffer + 10, kUnrecognisedMask, 3);
+        std::memcpy(buffer + 13, t.data, 4);
+        out.assign(buffer, sizeof(buffer));
+        return true;
+    }
+    if (detail::isShortId(t.data, t.size)) {
+        assign(out, {{kUnrecognisedMask, 3}, {t.data, 4}});
+        return true;
+    }
+    return false;
+}
+
+bool maskUid(const std::string& uid, bool compress, std::string& out) {
+    return maskMac(uid, compress, out) || maskIp(uid, out) || maskUuid(uid, compress, out) ||
+           maskEndpointId(uid, out);
+}
+
+// Adapts a rule to the (recognised, text) form of the private helpers.
+std::pair<bool, std::string> asPair(bool recognised, std::string&& masked,
+                                    const std::string& input) {
+    return {recognised, recognised ? std::move(masked) : input};
 }
 
 // The last count characters of a view that holds at least count characters.
@@ -51,93 +168,35 @@ bool SmartHomeLogger::validateExpression(const std::string& text, Pattern patter
 
 std::pair<bool, std::string> SmartHomeLogger::obfuscateMacHelper(std::string mac,
                                                                  bool compress) const {
-    if (mac.empty()) {
-        return {true, {}};
-    }
-    // The patterns are tried on the untrimmed input: a MAC with blanks around is not one.
-    if (!validateExpression(mac, Pattern::MacColon) && !validateExpression(mac, Pattern::MacDash)) {
-        return notRecognised(mac);
-    }
-    detail::TrimmedView t = detail::trimmedView(mac);
     std::string masked;
-    if (compress) {
-        masked.reserve(8);
-        masked = kUnrecognisedMask;
-    } else {
-        const char separator = t.data[2];
-        const size_t maskedOctets = (t.size + 1) / 3 - 2;
-        masked.reserve(t.size);
-        for (size_t i = 0; i < maskedOctets; ++i) {
-            masked += "XX";
-            masked += separator;
-        }
-    }
-    masked.append(t.data + t.size - 5, 5);
-    return {true, masked};
+    bool recognised = maskMac(mac, compress, masked);
+    return asPair(recognised, std::move(masked), mac);
 }
 
 std::pair<bool, std::string> SmartHomeLogger::obfuscateIPHelper(const std::string& ip) const {
-    if (ip.empty()) {
-        return {true, {}};
-    }
-    detail::TrimmedView t = detail::trimmedView(ip);
-    if (!detail::isIPv4(t.data, t.size)) {
-        return notRecognised(ip);
-    }
-    std::vector<std::string> parts = StringUtils::split(t.str(), '.');
-    return {true, kIpHead + parts[2] + "." + parts[3]};
+    std::string masked;
+    bool recognised = maskIp(ip, masked);
+    return asPair(recognised, std::move(masked), ip);
 }
 
 std::pair<bool, std::string> SmartHomeLogger::obfuscateUuidHelper(const std::string& uuid,
                                                                   bool compress) const {
-    if (uuid.empty()) {
-        return {true, {}};
-    }
-    detail::TrimmedView t = detail::trimmedView(uuid);
-    if (!detail::isHex32(t.data, t.size)) {
-        return notRecognised(uuid);
-    }
-    return {true, (compress ? kUnrecognisedMask : kUuidHead) + tail(t, 12)};
+    std::string masked;
+    bool recognised = maskUuid(uuid, compress, masked);
+    return asPair(recognised, std::move(masked), uuid);
 }
 
 std::pair<bool, std::string> SmartHomeLogger::obfuscateOstEpIdHelper(const std::string& id) const {
-    if (id.empty()) {
-        return {true, {}};
-    }
-    detail::TrimmedView t = detail::trimmedView(id);
-    if (detail::isEndpointId(t.data, t.size)) {
-        std::vector<std::string> parts = StringUtils::split(t.str(), '_');
-        if (parts.size() < 2) {
-            return notRecognised(id);
-        }
-        // The kept tail is the first four characters of the whole id, not of the serial.
-        return {true, parts[0] + "_" + parts[1] + "_" + kUnrecognisedMask + std::string(t.data, 4)};
-    }
-    if (detail::isShortId(t.data, t.size)) {
-        return {true, kUnrecognisedMask + std::string(t.data, 4)};
-    }
-    return notRecognised(id);
+    std::string masked;
+    bool recognised = maskEndpointId(id, masked);
+    return asPair(recognised, std::move(masked), id);
 }
 
 std::pair<bool, std::string> SmartHomeLogger::obfuscateUidHelper(std::string uid,
                                                                  bool compress) const {
-    auto result = obfuscateMacHelper(uid, compress);
-    if (result.first) {
-        return result;
-    }
-    result = obfuscateIPHelper(uid);
-    if (result.first) {
-        return result;
-    }
-    result = obfuscateUuidHelper(uid, compress);
-    if (result.first) {
-        return result;
-    }
-    result = obfuscateOstEpIdHelper(uid);
-    if (result.first) {
-        return result;
-    }
-    return notRecognised(uid);
+    std::string masked;
+    bool recognised = maskUid(uid, compress, masked);
+    return asPair(recognised, std::move(masked), uid);
 }
 
 std::string SmartHomeLogger::obfuscateSerialForPhilipsHelper(std::string serial) const {
@@ -174,29 +233,51 @@ void SmartHomeLogger::obfuscateJsonObjectForKeyHelper(JsonValue& value,
 }
 
 std::string SmartHomeLogger::obfuscateMac(const std::string& mac) const {
-    return obfuscateMacHelper(mac, false).second;
+    std::string masked;
+    if (maskMac(mac, false, masked)) {
+        return masked;
+    }
+    return mac;
 }
 
 std::string SmartHomeLogger::compressAndObfuscateMac(const std::string& mac) const {
-    return obfuscateMacHelper(mac, true).second;
+    std::string masked;
+    if (maskMac(mac, true, masked)) {
+        return masked;
+    }
+    return mac;
 }
 
 std::string SmartHomeLogger::obfuscateIp(const std::string& ip) const {
-    auto result = obfuscateIPHelper(ip);
-    return result.first ? result.second : kUnrecognisedMask;
+    std::string masked;
+    if (maskIp(ip, masked)) {
+        return masked;
+    }
+    return kUnrecognisedMask;
 }
 
 std::string SmartHomeLogger::obfuscateUid(const std::string& uid) const {
-    return obfuscateUidHelper(uid, false).second;
+    std::string masked;
+    if (maskUid(uid, false, masked)) {
+        return masked;
+    }
+    return uid;
 }
 
 std::string SmartHomeLogger::compressAndObfuscateUid(const std::string& uid) const {
-    return obfuscateUidHelper(uid, true).second;
+    std::string masked;
+    if (maskUid(uid, true, masked)) {
+        return masked;
+    }
+    return uid;
 }
 
 std::string SmartHomeLogger::obfuscateUsbEpId(const std::string& id) const {
-    auto result = obfuscateOstEpIdHelper(id);
-    return result.first ? result.second : kUnrecognisedMask;
+    std::string masked;
+    if (maskEndpointId(id, masked)) {
+        return masked;
+    }
+    return kUnrecognisedMask;
 }
 
 std::string SmartHomeLogger::obfuscateSerialForPhilipsHue(const std::string& serial) const {
