@@ -181,9 +181,14 @@ const JSONValue& JSONUtil::getOptionalArray(const JSONValue& object, const std::
     return member == nullptr || !member->IsArray() ? defaultValue : *member;
 }
 
-const JSONValue& JSONUtil::validateAndGetValue(const JSONValue& object, const std::string& key,
-                                               bool* found, const JSONValue& defaultValue,
-                                               const SmartHomeLogger* logger) {
+namespace {
+
+// The member when object is an object holding an acceptable member (*found = true);
+// otherwise logs through logger (when not null) and returns defaultValue.
+template <typename Acceptable>
+const JSONValue& validateAndGet(const JSONValue& object, const std::string& key, bool* found,
+                                const JSONValue& defaultValue, const SmartHomeLogger* logger,
+                                Acceptable acceptable, const char* missingFormat) {
     if (found != nullptr) {
         *found = false;
     }
@@ -194,9 +199,9 @@ const JSONValue& JSONUtil::validateAndGetValue(const JSONValue& object, const st
         return defaultValue;
     }
     const JSONValue* member = findMember(object, key);
-    if (member == nullptr || member->IsNull()) {
+    if (member == nullptr || !acceptable(*member)) {
         if (logger != nullptr) {
-            logger->e("event=parserError,reason=valueNull,action=invalid,key=%s", key.c_str());
+            logger->e(missingFormat, key.c_str());
         }
         return defaultValue;
     }
@@ -206,30 +211,24 @@ const JSONValue& JSONUtil::validateAndGetValue(const JSONValue& object, const st
     return *member;
 }
 
+}  // namespace
+
+const JSONValue& JSONUtil::validateAndGetValue(const JSONValue& object, const std::string& key,
+                                               bool* found, const JSONValue& defaultValue,
+                                               const SmartHomeLogger* logger) {
+    return validateAndGet(
+        object, key, found, defaultValue, logger,
+        [](const JSONValue& member) { return !member.IsNull(); },
+        "event=parserError,reason=valueNull,action=invalid,key=%s");
+}
+
 const JSONValue& JSONUtil::validateAndGetArray(const JSONValue& object, const std::string& key,
                                                bool* found, const JSONValue& defaultValue,
                                                const SmartHomeLogger* logger) {
-    if (found != nullptr) {
-        *found = false;
-    }
-    if (!object.IsObject()) {
-        if (logger != nullptr) {
-            logger->e("event=parserError,reason=jsonNotObject,action=invalid");
-        }
-        return defaultValue;
-    }
-    const JSONValue* member = findMember(object, key);
-    if (member == nullptr || !member->IsArray()) {
-        if (logger != nullptr) {
-            logger->e("event=parserError,reason=valueNotAnArray,action=invalid,key=%s",
-                      key.c_str());
-        }
-        return defaultValue;
-    }
-    if (found != nullptr) {
-        *found = true;
-    }
-    return *member;
+    return validateAndGet(
+        object, key, found, defaultValue, logger,
+        [](const JSONValue& member) { return member.IsArray(); },
+        "event=parserError,reason=valueNotAnArray,action=invalid,key=%s");
 }
 
 std::string JSONUtil::getStringForJSON(const JSONValue& value) {
