@@ -65,7 +65,7 @@ bool maskMac(const std::string& mac, bool compress, std::string& out) {
         *cursor++ = 'X';
         *cursor++ = separator;
     }
-    std::memcpy(cursor, tail, 5);
+    std::copy_n(tail, 5, cursor);
     out.assign(buffer, static_cast<size_t>(cursor + 5 - buffer));
     return true;
 }
@@ -115,9 +115,9 @@ bool maskEndpointId(const std::string& id, std::string& out) {
         // vendor "_" product "_XXX" + the first four characters of the whole id (the
         // vendor again, not the serial's head).
         char buffer[17];
-        std::memcpy(buffer, t.data, 10);
-        std::memcpy(buffer + 10, kUnrecognisedMask, 3);
-        std::memcpy(buffer + 13, t.data, 4);
+        std::copy_n(t.data, 10, buffer);
+        std::copy_n(kUnrecognisedMask, 3, buffer + 10);
+        std::copy_n(t.data, 4, buffer + 13);
         out.assign(buffer, sizeof(buffer));
         return true;
     }
@@ -136,7 +136,10 @@ bool maskUid(const std::string& uid, bool compress, std::string& out) {
 // Adapts a rule to the (recognised, text) form of the private helpers.
 std::pair<bool, std::string> asPair(bool recognised, std::string&& masked,
                                     const std::string& input) {
-    return {recognised, recognised ? std::move(masked) : input};
+    if (recognised) {
+        return {true, std::move(masked)};
+    }
+    return {false, input};
 }
 
 // The last count characters of a view that holds at least count characters.

@@ -39,7 +39,7 @@ bool HashGenerator::sha256(const std::string& input, std::string& outHex) {
     }
     static const char kDigits[] = "0123456789abcdef";
     std::string hex;
-    hex.reserve(length * 2);
+    hex.reserve(static_cast<size_t>(length) * 2);
     for (unsigned int i = 0; i < length; ++i) {
         hex += kDigits[digest[i] >> 4];
         hex += kDigits[digest[i] & 0x0f];

@@ -1,0 +1,42 @@
+// One queue entry of a Looper: a Message or a closure, tagged with the Handler that posted
+// it and a copy of that handler's validity sentinel, so that an entry outliving its
+// handler can tell without touching it.
+// Ownership: owns its message or closure; does not own the handler.
+// Thread-safety: used by one thread at a time (the queue's lock or the looper thread).
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <memory>
+
+#include "smarthome/Message.h"
+
+namespace smarthome {
+
+class Handler;
+
+class MessageOrRunnable {
+public:
+    MessageOrRunnable(std::unique_ptr<Message> message, Handler* handler);
+    MessageOrRunnable(std::function<void()> runnable, Handler* handler);
+    virtual ~MessageOrRunnable();
+    MessageOrRunnable(const MessageOrRunnable&) = delete;
+    MessageOrRunnable& operator=(const MessageOrRunnable&) = delete;
+
+    Handler* getHandler() const;
+    // A copy of the closure (empty for a message entry).
+    std::function<void()> getRunnable() const;
+    // The message inside, so that processing can move it out.
+    std::unique_ptr<Message>& getMessage() const;
+    bool isMsg() const;
+    // False without a sentinel (no handler); otherwise the sentinel's current value.
+    bool isHandlerValid() const;
+    // Runs the closure in place (no copy).
+    void run();
+
+private:
+    class Impl;
+    std::unique_ptr<Impl> impl;
+};
+
+}  // namespace smarthome

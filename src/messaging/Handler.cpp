@@ -1,0 +1,160 @@
+#include "smarthome/Handler.h"
+
+#include <utility>
+
+namespace smarthome {
+
+Handler::Handler(const Callback& callback) : Handler(nullptr, callback) {}
+
+Handler::Handler(const std::shared_ptr<Looper>& looper, const Callback& callback)
+    : callback(std::make_shared<const Callback>(callback)),
+      looper(looper != nullptr ? looper : Looper::create<>()),
+      sentinel(std::make_shared<std::atomic<bool>>(true)) {}
+
+Handler::~Handler() {
+    // Entries already taken into the looper's current batch are skipped from now on.
+    sentinel->store(false);
+    quitSafely();
+}
+
+std::unique_ptr<Message> Handler::obtainMessage(int what) const {
+    return std::make_unique<Message>(what);
+}
+std::unique_ptr<Message> Handler::obtainMessage(int what, int arg1, int arg2) const {
+    return std::make_unique<Message>(what, arg1, arg2);
+}
+std::unique_ptr<Message> Handler::obtainMessage(int what, int arg1, int arg2,
+                                                std::shared_ptr<void> data) const {
+    return std::make_unique<Message>(what, arg1, arg2, std::move(data));
+}
+std::unique_ptr<Message> Handler::obtainMessage(int what, std::shared_ptr<void> data) const {
+    return std::make_unique<Message>(what, -1, -1, std::move(data));
+}
+std::unique_ptr<Message> Handler::obtainMessage(int what, int arg1, int arg2, void* obj) const {
+    return std::make_unique<Message>(what, arg1, arg2, nullptr, obj);
+}
+std::unique_ptr<Message> Handler::obtainMessage(int what, void* obj) const {
+    return std::make_unique<Message>(what, -1, -1, nullptr, obj);
+}
+std::unique_ptr<Message> Handler::obtainMessage(int what, void* obj,
+                                                std::shared_ptr<void> data) const {
+    return std::make_unique<Message>(what, -1, -1, std::move(data), obj);
+}
+
+bool Handler::send(std::unique_ptr<MessageOrRunnable> entry) {
+    return !quitting.load() && looper->sendMessageOrRunnable(std::move(entry));
+}
+
+bool Handler::sendDelayed(std::unique_ptr<MessageOrRunnable> entry,
+                          std::chrono::milliseconds delay) {
+    return !quitting.load() && looper->sendDelayedMessageOrRunnable(std::move(entry), delay);
+}
+
+bool Handler::sendEmptyMessage(int what) {
+    return sendMessage(obtainMessage(what));
+}
+
+bool Handler::sendMessage(std::unique_ptr<Message> message) {
+    return send(std::make_unique<MessageOrRunnable>(std::move(message), this));
+}
+
+bool Handler::sendEmptyMessageDelayed(int what, std::chrono::milliseconds delay) {
+    return sendMessageDelayed(obtainMessage(what), delay);
+}
+
+bool Handler::sendMessageDelayed(std::unique_ptr<Message> message,
+                                 std::chrono::milliseconds delay) {
+    return sendDelayed(std::make_unique<MessageOrRunnable>(std::move(message), this), delay);
+}
+
+bool Handler::sendMessageAtFrontOfQueue(std::unique_ptr<Message> message) {
+    return !quitting.load() && looper->sendMessageOrRunnableToFront(
+                                   std::make_unique<MessageOrRunnable>(std::move(message), this));
+}
+
+bool Handler::post(std::function<void()> runnable) {
+    return send(std::make_unique<MessageOrRunnable>(std::move(runnable), this));
+}
+
+bool Handler::postDelayed(std::function<void()> runnable, std::chrono::milliseconds delay) {
+    return sendDelayed(std::make_unique<MessageOrRunnable>(std::move(runnable), this), delay);
+}
+
+Handler::Matcher Handler::getMatcherForMsgsWithCodeWhat(int what) const {
+    const Handler* self = this;
+    return [self, what](const std::unique_ptr<MessageOrRunnable>& entry) {
+        return entry->getHandler() == self && entry->isMsg() && entry->getMessage() != nullptr &&
+               entry->getMessage()->what == what;
+    };
+}
+
+Handler::Matcher Handler::getMatcherForMsgsWithCodeWhatAndObj(int what, void* obj) const {
+    const Handler* self = this;
+    return [self, what, obj](const std::unique_ptr<MessageOrRunnable>& entry) {
+        return entry->getHandler() == self && entry->isMsg() && entry->getMessage() != nullptr &&
+               entry->getMessage()->what == what && entry->getMessage()->data.get() == obj;
+    };
+}
+
+bool Handler::hasMessages(int what) const {
+    return !quitting.load() && looper->hasMessages(getMatcherForMsgsWithCodeWhat(what));
+}
+
+bool Handler::hasMessages(int what, void* obj) const {
+    return !quitting.load() && looper->hasMessages(getMatcherForMsgsWithCodeWhatAndObj(what, obj));
+}
+
+void Handler::removeMessages(int what) {
+    if (!quitting.load()) {
+        looper->remove(getMatcherForMsgsWithCodeWhat(what));
+    }
+}
+
+void Handler::removeMessages(int what, void* obj) {
+    if (!quitting.load()) {
+        looper->remove(getMatcherForMsgsWithCodeWhatAndObj(what, obj));
+    }
+}
+
+void Handler::removeCallbacksAndMessages() {
+    if (!quitting.load()) {
+        removeCallbacksAndMessagesHelper();
+    }
+}
+
+void Handler::removeCallbacksAndMessagesHelper() {
+    const Handler* self = this;
+    looper->remove([self](const std::unique_ptr<MessageOrRunnable>& entry) {
+        return entry->getHandler() == self;
+    });
+}
+
+std::shared_ptr<std::atomic<bool>> Handler::getValiditySentinel() const {
+    return sentinel;
+}
+
+std::shared_ptr<Looper> Handler::getLooper() const {
+    return looper;
+}
+
+void Handler::processHandlerMessage(std::unique_ptr<MessageOrRunnable> entry) {
+    if (quitting.load()) {
+        return;
+    }
+    if (entry->isMsg()) {
+        std::shared_ptr<const Callback> running = callback;  // this handler may die inside
+        (*running)(std::move(entry->getMessage()));
+    } else {
+        entry->run();
+    }
+}
+
+void Handler::quitSafely() {
+    if (quitting.exchange(true)) {
+        return;
+    }
+    removeCallbacksAndMessagesHelper();
+    looper->flush();
+}
+
+}  // namespace smarthome
