@@ -35,8 +35,15 @@ public:
     void run();
 
 private:
-    class Impl;
-    std::unique_ptr<Impl> impl;
+    // The entry's state, held inline so that an entry costs one allocation.
+    struct Impl {
+        std::unique_ptr<Message> message;
+        std::function<void()> runnable;
+        Handler* handler;
+        std::shared_ptr<std::atomic<bool>> validity;
+        bool isMsg;
+    };
+    mutable Impl impl;  // getMessage() const lets processing move the message out
 };
 
 }  // namespace smarthome

@@ -35,6 +35,8 @@ struct Looper::State {
     unsigned long long passesStarted SH_GUARDED_BY(mutex) = 0;
     unsigned long long passesCompleted SH_GUARDED_BY(mutex) = 0;
     std::thread worker;
+    // Used by the worker thread only: kept across passes so that its storage is reused.
+    std::deque<Entry> batch;
 
     bool onWorker() const { return std::this_thread::get_id() == workerId; }
 
@@ -67,11 +69,24 @@ struct Looper::State {
     }
 
     void run();
+
+    // The last pass: discards what is left (outside the lock) and marks the end.
+    void finish(unsigned long long pass) {
+        std::deque<Entry> discardedQueue;
+        std::vector<std::unique_ptr<DelayedMessage>> discardedDelayed;
+        {
+            detail::MutexLock lock(mutex);
+            discardedQueue.swap(queue);
+            discardedDelayed.swap(delayed);
+            passesCompleted = pass;
+            ended = true;
+        }
+        passDone.notify_all();
+    }
 };
 
 void Looper::State::run() {
     while (true) {
-        std::deque<Entry> batch;
         bool quitting = false;
         unsigned long long pass = 0;
         {
@@ -97,21 +112,16 @@ void Looper::State::run() {
             }
             entry.reset();
         }
-        std::deque<Entry> discardedQueue;
-        std::vector<std::unique_ptr<DelayedMessage>> discardedDelayed;
+        batch.clear();
+        if (quitting) {
+            finish(pass);
+            return;
+        }
         {
             detail::MutexLock lock(mutex);
-            if (quitting) {
-                discardedQueue.swap(queue);
-                discardedDelayed.swap(delayed);
-            }
             passesCompleted = pass;
-            ended = quitting;
         }
         passDone.notify_all();
-        if (quitting) {
-            return;  // the discarded entries are destroyed outside the lock
-        }
     }
 }
 

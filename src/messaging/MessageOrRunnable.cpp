@@ -6,54 +6,45 @@
 
 namespace smarthome {
 
-class MessageOrRunnable::Impl {
-public:
-    Impl(std::unique_ptr<Message> message, std::function<void()> runnable, Handler* handler,
-         bool isMsg)
-        : message(std::move(message)),
-          runnable(std::move(runnable)),
-          handler(handler),
-          validity(handler != nullptr ? handler->getValiditySentinel() : nullptr),
-          isMsg(isMsg) {}
+namespace {
 
-    std::unique_ptr<Message> message;
-    std::function<void()> runnable;
-    Handler* handler;
-    std::shared_ptr<std::atomic<bool>> validity;
-    bool isMsg;
-};
+std::shared_ptr<std::atomic<bool>> sentinelOf(Handler* handler) {
+    return handler != nullptr ? handler->getValiditySentinel() : nullptr;
+}
+
+}  // namespace
 
 MessageOrRunnable::MessageOrRunnable(std::unique_ptr<Message> message, Handler* handler)
-    : impl(std::make_unique<Impl>(std::move(message), nullptr, handler, true)) {}
+    : impl{std::move(message), nullptr, handler, sentinelOf(handler), true} {}
 
 MessageOrRunnable::MessageOrRunnable(std::function<void()> runnable, Handler* handler)
-    : impl(std::make_unique<Impl>(nullptr, std::move(runnable), handler, false)) {}
+    : impl{nullptr, std::move(runnable), handler, sentinelOf(handler), false} {}
 
 MessageOrRunnable::~MessageOrRunnable() = default;
 
 Handler* MessageOrRunnable::getHandler() const {
-    return impl->handler;
+    return impl.handler;
 }
 
 std::function<void()> MessageOrRunnable::getRunnable() const {
-    return impl->runnable;
+    return impl.runnable;
 }
 
 std::unique_ptr<Message>& MessageOrRunnable::getMessage() const {
-    return impl->message;
+    return impl.message;
 }
 
 bool MessageOrRunnable::isMsg() const {
-    return impl->isMsg;
+    return impl.isMsg;
 }
 
 bool MessageOrRunnable::isHandlerValid() const {
-    return impl->validity != nullptr && impl->validity->load();
+    return impl.validity != nullptr && impl.validity->load();
 }
 
 void MessageOrRunnable::run() {
-    if (impl->runnable) {
-        impl->runnable();
+    if (impl.runnable) {
+        impl.runnable();
     }
 }
 
