@@ -2,6 +2,7 @@
 // the std::regex reference.
 #pragma once
 
+#include <cutils/properties.h>
 #include <gtest/gtest.h>
 
 #include <string>
@@ -9,6 +10,7 @@
 #include "logging/MaskingInputs.h"
 #include "logging/RegexMaskingReference.h"
 #include "smarthome/SmartHomeLogger.h"
+#include "smarthome/port/HostPort.h"
 
 namespace smarthome {
 namespace test {
@@ -18,14 +20,19 @@ inline void expectMaskingMatchesReference(size_t inputs, uint32_t seed) {
     MaskingInputGenerator generator(seed);
     size_t differences = 0;
     // How often each rule actually masked something: the generator must reach every rule.
-    size_t macs = 0, ips = 0, uuids = 0, endpointIds = 0, shortIds = 0;
+    size_t macs = 0, ips = 0, uuids = 0, endpointIds = 0, shortIds = 0, jsonMasks = 0;
+    // Build types the secret rule sees, switched every so often; all of them are set, so
+    // the property read never logs.
+    static const char* const kBuildTypes[] = {"user", "userdebug", "eng", "users", "User"};
+    port::clearSystemProperties();
     for (size_t n = 0; n < inputs && differences < 20; ++n) {
         const std::string input = generator.next();
+        std::string shown = input;  // the input as the failure message names it
         auto compare = [&](const char* operation, const std::string& ours,
                            const std::string& expected) {
             if (ours != expected) {
                 ++differences;
-                ADD_FAILURE() << operation << "(" << testing::PrintToString(input) << ") gave "
+                ADD_FAILURE() << operation << "(" << testing::PrintToString(shown) << ") gave "
                               << testing::PrintToString(ours) << ", reference "
                               << testing::PrintToString(expected);
             }
@@ -45,7 +52,30 @@ inline void expectMaskingMatchesReference(size_t inputs, uint32_t seed) {
                 reference::compressAndObfuscateUid(input));
         compare("obfuscateUsbEpId", logger.obfuscateUsbEpId(input),
                 reference::obfuscateUsbEpId(input));
+        compare("obfuscateSerialForPhilipsHue", logger.obfuscateSerialForPhilipsHue(input),
+                reference::obfuscateSerialForPhilipsHue(input));
+        if (n % 1000 == 0) {
+            // "ro." properties are write-once: clear the store before switching.
+            port::clearSystemProperties();
+            EXPECT_EQ(property_set("ro.build.type", kBuildTypes[(n / 1000) % 5]), 0);
+        }
+        compare("obfuscateSecret", logger.obfuscateSecret(input),
+                reference::obfuscateSecret(input));
+
+        // The JSON rule on the same input (rarely JSON) and on a generated document.
+        const std::string key = generator.jsonKey();
+        std::string json = input;
+        compare("obfuscateJsonObjectForKey", logger.obfuscateJsonObjectForKey(json, key),
+                reference::obfuscateJsonObjectForKey(input, key));
+        json = generator.json();
+        shown = json + " key " + key;
+        const std::string original = json;
+        const std::string expected = reference::obfuscateJsonObjectForKey(json, key);
+        compare("obfuscateJsonObjectForKey", logger.obfuscateJsonObjectForKey(json, key), expected);
+        compare("obfuscateJsonObjectForKey argument", json, original);
+        jsonMasks += expected.find("\"XXXX\"") != std::string::npos;
     }
+    port::clearSystemProperties();
     EXPECT_EQ(differences, 0u);
     const size_t enough = inputs / 100;
     EXPECT_GT(macs, enough);
@@ -53,6 +83,7 @@ inline void expectMaskingMatchesReference(size_t inputs, uint32_t seed) {
     EXPECT_GT(uuids, enough);
     EXPECT_GT(endpointIds, enough);
     EXPECT_GT(shortIds, enough);
+    EXPECT_GT(jsonMasks, enough);
 }
 
 }  // namespace test

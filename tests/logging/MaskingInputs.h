@@ -1,6 +1,8 @@
 // Generated masking inputs that cluster around the recognisers' boundaries: octet counts
 // 5 to 9, mixed separators, 255/256, leading zeros, blanks around, 31 to 33 hex digits,
-// underscores, 5/6/19/20-character ids with and without digits, non-ASCII bytes, empty.
+// underscores, 5/6/19/20-character ids with and without digits, non-ASCII bytes, empty;
+// and small JSON documents whose members repeat, escape or nearly match the masked key,
+// nested up to and past the parse depth limit, sometimes broken.
 #pragma once
 
 #include <cstdint>
@@ -57,7 +59,62 @@ public:
         return text;
     }
 
+    // A JSON text, usually valid.
+    std::string json() {
+        std::string s;
+        if (pick(50) == 0) {
+            // Around the parse depth limit of 512.
+            const size_t depth = 508 + pick(8);
+            s = std::string(depth, '[') + jsonValue(2) + std::string(depth, ']');
+        } else {
+            s = jsonValue(0);
+        }
+        if (pick(10) == 0) {
+            s = mutate(s);
+        }
+        return s;
+    }
+
+    // A key to mask: mostly one the documents use, sometimes with an embedded NUL.
+    std::string jsonKey() {
+        static const std::string kKeys[] = {"token", "k", "", "tok", std::string("token\0x", 7)};
+        return kKeys[pick(5)];
+    }
+
 private:
+    std::string jsonValue(int depth) {
+        // Member names, written as JSON string bodies: exact, escaped and near misses.
+        static const char* const kNames[] = {"token", "k",           "",  "tok",          "tokens",
+                                             "Token", "tok\\u0065n", "a", "token\\u0000x"};
+        switch (depth > 4 ? 2 + pick(4) : pick(6)) {
+            case 0: {
+                std::string s = "{";
+                const size_t members = pick(5);
+                for (size_t i = 0; i < members; ++i) {
+                    s += (i != 0 ? ",\"" : "\"") + std::string(kNames[pick(9)]) + "\":";
+                    s += jsonValue(depth + 1);
+                }
+                return s + "}";
+            }
+            case 1: {
+                std::string s = "[";
+                const size_t elements = pick(5);
+                for (size_t i = 0; i < elements; ++i) {
+                    s += (i != 0 ? "," : "") + jsonValue(depth + 1);
+                }
+                return s + "]";
+            }
+            case 2:
+                return "\"" + std::string(kNames[pick(9)]) + "\"";
+            case 3:
+                return std::to_string(static_cast<int>(pick(2000)) - 1000);
+            case 4:
+                return pick(2) == 0 ? "true" : "false";
+            default:
+                return "null";
+        }
+    }
+
     uint32_t pick(uint32_t n) { return static_cast<uint32_t>(random_() % n); }
 
     char hexDigit() {

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "smarthome/SmartHomeLogger.h"
 #include "smarthome/port/HostPort.h"
@@ -74,12 +75,55 @@ TEST_F(MaskingTest, HueSerialsKeepTheirLastTwoCharacters) {
 }
 
 TEST_F(MaskingTest, SecretsAreMaskedOnlyOnUserBuilds) {
+    // Unset: the property read reports the missing property, the secret stays in clear.
     EXPECT_EQ(logger.obfuscateSecret("hunter2"), "hunter2");
-    ASSERT_EQ(property_set("ro.build.type", "userdebug"), 0);
-    EXPECT_EQ(logger.obfuscateSecret("hunter2"), "hunter2");
+    ASSERT_EQ(capture.lines().size(), 1u);
+    EXPECT_EQ(
+        capture.texts(6, "SmartHome:SystemPropertyWrapper"),
+        std::vector<std::string>{"getSystemProperty:event=PropertyDoesNotExist, action=return"});
+    capture.clear();
+
+    for (const char* buildType : {"userdebug", "eng", "users", "User"}) {
+        port::clearSystemProperties();  // "ro." properties are write-once
+        ASSERT_EQ(property_set("ro.build.type", buildType), 0);
+        EXPECT_EQ(logger.obfuscateSecret("hunter2"), "hunter2") << buildType;
+    }
     port::clearSystemProperties();
     ASSERT_EQ(property_set("ro.build.type", "user"), 0);
     EXPECT_EQ(logger.obfuscateSecret("hunter2"), "XXXX");
+    EXPECT_EQ(logger.obfuscateSecret(""), "XXXX");
+    // Read on every call, not cached.
+    port::clearSystemProperties();
+    ASSERT_EQ(property_set("ro.build.type", "eng"), 0);
+    EXPECT_EQ(logger.obfuscateSecret("hunter2"), "hunter2");
+    EXPECT_TRUE(capture.lines().empty());
+}
+
+TEST_F(MaskingTest, HugeAndBinaryInputsGetTheirDocumentedResults) {
+    const std::string hexes(1 << 20, 'a');
+    EXPECT_EQ(logger.obfuscateUid(hexes), hexes);
+    EXPECT_EQ(logger.obfuscateMac(hexes), hexes);
+    EXPECT_EQ(logger.obfuscateIp(hexes), "XXX");
+    EXPECT_EQ(logger.obfuscateUsbEpId(hexes), "XXX");
+    const std::string blanks(1 << 20, ' ');
+    EXPECT_EQ(logger.obfuscateIp(blanks + "10.0.0.1" + blanks), "XXX.XXX.0.1");
+    EXPECT_EQ(logger.obfuscateIp(blanks), "XXX");
+    EXPECT_EQ(logger.obfuscateSerialForPhilipsHue(blanks), "");
+    // A serial of any length is still an endpoint id.
+    const std::string longSerial = "1a2b_3c4d_" + std::string(1 << 20, 'Z');
+    EXPECT_EQ(logger.obfuscateUsbEpId(longSerial), "1a2b_3c4d_XXX1a2b");
+    EXPECT_EQ(logger.compressAndObfuscateUid(longSerial), "1a2b_3c4d_XXX1a2b");
+
+    // NUL and non-ASCII bytes are neither identifier characters nor blanks.
+    const std::string macNul("AA:BB:CC:DD:EE:FF\0", 18);
+    EXPECT_EQ(logger.obfuscateMac(macNul), macNul);
+    EXPECT_EQ(logger.obfuscateIp(std::string("10.0.0.1\0", 9)), "XXX");
+    EXPECT_EQ(logger.obfuscateIp(std::string("\xa0") + "10.0.0.1"), "XXX");
+    EXPECT_EQ(logger.obfuscateUsbEpId("Hue1234\xe9"), "XXX");
+    const std::string binary("\0\xff\x80\x01", 4);
+    EXPECT_EQ(logger.obfuscateUid(binary), binary);
+    EXPECT_EQ(logger.obfuscateSerialForPhilipsHue(binary), std::string("XX\x80\x01", 4));
+    EXPECT_TRUE(capture.lines().empty());
 }
 
 TEST_F(MaskingTest, JsonMembersAreMaskedAtEveryDepthInOrder) {
@@ -98,6 +142,13 @@ TEST_F(MaskingTest, JsonMembersAreMaskedAtEveryDepthInOrder) {
     EXPECT_EQ(logger.obfuscateJsonObjectForKey(deep, "token"), "");
     std::string duplicate = R"({"k":1,"k":2})";
     EXPECT_EQ(logger.obfuscateJsonObjectForKey(duplicate, "k"), R"({"k":"XXXX","k":2})");
+    // A masked object is not searched further; its siblings are.
+    std::string nested = R"({"k":{"k":1},"m":{"k":[1]}})";
+    EXPECT_EQ(logger.obfuscateJsonObjectForKey(nested, "k"), R"({"k":"XXXX","m":{"k":"XXXX"}})");
+    std::string scalar = "7";
+    EXPECT_EQ(logger.obfuscateJsonObjectForKey(scalar, "k"), "7");
+    // Parse errors are not reported.
+    EXPECT_TRUE(capture.lines().empty());
 }
 
 TEST_F(MaskingTest, LoggersWithAnIdCarryItsCompressedMask) {

@@ -1,12 +1,18 @@
 // The masking rules written with std::regex and the documented patterns, as the reference
-// the hand-written recognisers are checked against (tests, benchmark, fuzzer).
+// the hand-written recognisers are checked against (tests, benchmark, fuzzer). The rules
+// that use no pattern (Hue serials, secrets, JSON members) are written here as plainly as
+// their description reads: trimmed copies, a direct property read and a recursive walk.
 #pragma once
 
+#include <cutils/properties.h>
+
+#include <cstring>
 #include <regex>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "smarthome/JSONUtil.h"
 #include "smarthome/StringUtils.h"
 
 namespace smarthome {
@@ -134,6 +140,50 @@ inline std::string compressAndObfuscateUid(const std::string& s) {
 inline std::string obfuscateUsbEpId(const std::string& s) {
     Result r = endpointId(s);
     return r.first ? r.second : "XXX";
+}
+
+inline std::string obfuscateSerialForPhilipsHue(const std::string& s) {
+    std::string t = StringUtils::trim(s);
+    if (t.size() <= 2) {
+        return std::string(t.size(), 'X');
+    }
+    return std::string(t.size() - 2, 'X') + t.substr(t.size() - 2);
+}
+
+inline std::string obfuscateSecret(const std::string& s) {
+    char buildType[PROPERTY_VALUE_MAX] = {};
+    property_get("ro.build.type", buildType, "");
+    return std::string(buildType) == "user" ? "XXXX" : s;
+}
+
+// Depth-first; the parse bounds the depth, so the recursion is bounded too.
+inline void maskJsonMembers(JSONValue& value, JSONValue::AllocatorType& allocator,
+                            const std::string& key) {
+    if (value.IsArray()) {
+        for (JSONValue& element : value.GetArray()) {
+            maskJsonMembers(element, allocator, key);
+        }
+    } else if (value.IsObject()) {
+        for (auto& member : value.GetObject()) {
+            if (member.name.GetStringLength() == key.size() &&
+                std::memcmp(member.name.GetString(), key.data(), key.size()) == 0) {
+                member.value.SetString("XXXX", allocator);
+                break;
+            }
+        }
+        for (auto& member : value.GetObject()) {
+            maskJsonMembers(member.value, allocator, key);
+        }
+    }
+}
+
+inline std::string obfuscateJsonObjectForKey(const std::string& json, const std::string& key) {
+    JSONDocument doc;
+    if (JSONUtil::parse(doc, json).IsError()) {
+        return "";
+    }
+    maskJsonMembers(doc, doc.GetAllocator(), key);
+    return JSONUtil::getStringForJSON(doc);
 }
 
 }  // namespace reference
