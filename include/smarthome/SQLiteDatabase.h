@@ -1,0 +1,72 @@
+// One SQLite database file: its open handle and at most one transaction. initialize()
+// creates a new file (and only a new one), open() opens an existing one. Every failure
+// returns false/empty and writes one line (tag "SmartHome:SQLiteDatabase").
+//
+// Ownership: owns the handle; must be owned by a std::shared_ptr (create()) before
+// beginTransaction(), because a Transaction holds a weak reference to it. Statements it
+// hands out do not keep it alive.
+// Thread-safety: none; ThreadSafeSQLiteDatabase adds the lock.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "smarthome/SQLiteStatement.h"
+
+struct sqlite3;
+
+namespace smarthome {
+
+class SQLiteDatabase : public std::enable_shared_from_this<SQLiteDatabase> {
+public:
+    // Commits or rolls back the database's transaction; rolls back when destroyed without
+    // either. Not copyable. Survives its database (then reports DatabaseAlreadyFinalized).
+    class Transaction {
+    public:
+        explicit Transaction(std::weak_ptr<SQLiteDatabase> database);
+        ~Transaction();
+        Transaction(const Transaction&) = delete;
+        Transaction& operator=(const Transaction&) = delete;
+
+        bool commit();
+        bool rollback();
+
+    private:
+        std::weak_ptr<SQLiteDatabase> database;
+        bool completed = false;
+    };
+
+    static std::shared_ptr<SQLiteDatabase> create(const std::string& path);
+
+    explicit SQLiteDatabase(const std::string& path);
+    ~SQLiteDatabase();
+    SQLiteDatabase(const SQLiteDatabase&) = delete;
+    SQLiteDatabase& operator=(const SQLiteDatabase&) = delete;
+
+    // Creates the file (mode 0777) and opens it; false when it exists or is open already.
+    bool initialize();
+    // Opens the existing file; false when it is missing or open already.
+    bool open();
+    void close();
+    bool isDatabaseReady() const;
+    bool performQuery(const std::string& sql);
+    bool getTableNames(std::vector<std::string>& names);
+    bool tableExists(const std::string& table);
+    bool columnExists(const std::string& table, const std::string& column);
+    bool clearTable(const std::string& table);
+    // Answers only for a database that was open already: when this call has to open it,
+    // the answer is false (and the database stays open).
+    bool tableEmpty(const std::string& table);
+    std::unique_ptr<SQLiteStatement> createStatement(const std::string& sql);
+    std::unique_ptr<Transaction> beginTransaction();
+    bool commitTransaction();
+    bool rollbackTransaction();
+
+private:
+    const std::string path;
+    sqlite3* db = nullptr;
+    bool transactionInProgress = false;
+};
+
+}  // namespace smarthome

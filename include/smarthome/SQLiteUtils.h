@@ -1,0 +1,33 @@
+// Helpers over a raw SQLite handle or a SQLiteDatabase: open and create files, run a
+// query, count rows, read a column maximum, list tables, test for a table or a column,
+// empty or drop a table. Table and column names are pasted into the SQL as they are:
+// pass only trusted names. Each failure returns false/null and writes one error line
+// (tag "SmartHome:SQLiteUtils").
+// Thread-safety: none of their own; the handle's user serialises access.
+#pragma once
+
+#include <string>
+#include <vector>
+
+struct sqlite3;
+
+namespace smarthome {
+
+class SQLiteDatabase;
+
+sqlite3* createSQLiteDatabase(const std::string& path);
+sqlite3* openSQLiteDatabase(const std::string& path);
+sqlite3* openSQLiteDatabaseHelper(const std::string& path, int flags);
+bool closeSQLiteDatabase(sqlite3* db);
+bool performQuery(sqlite3* db, const std::string& sql);
+bool getNumberTableRows(SQLiteDatabase* db, const std::string& table, int* rows);
+bool getTableMaxIntValue(SQLiteDatabase* db, const std::string& table, const std::string& column,
+                         int* maxValue);
+// Appends the names of the database's tables to names (which is not cleared first).
+bool getTableNames(sqlite3* db, std::vector<std::string>& names);
+bool tableExists(sqlite3* db, const std::string& table);
+bool columnExists(sqlite3* db, const std::string& table, const std::string& column);
+bool clearTable(sqlite3* db, const std::string& table);
+bool dropTable(sqlite3* db, const std::string& table);
+
+}  // namespace smarthome

@@ -1,0 +1,235 @@
+#include "smarthome/SQLiteDatabase.h"
+
+#include <sqlite3.h>
+#include <sys/stat.h>
+
+#include <new>
+
+#include "smarthome/FileIO.h"
+#include "smarthome/SQLiteUtils.h"
+#include "smarthome/SmartHomeLogger.h"
+
+namespace smarthome {
+
+namespace {
+
+const SmartHomeLogger logger("SQLiteDatabase");
+
+}  // namespace
+
+std::shared_ptr<SQLiteDatabase> SQLiteDatabase::create(const std::string& path) {
+    return std::make_shared<SQLiteDatabase>(path);
+}
+
+SQLiteDatabase::SQLiteDatabase(const std::string& path) : path(path) {}
+
+SQLiteDatabase::~SQLiteDatabase() {
+    if (db != nullptr) {
+        logger.w("%s:reason=DB wasn't closed before destruction of SQLiteDatabase, file path=%s",
+                 "~SQLiteDatabase", path.c_str());
+        close();
+    }
+    if (transactionInProgress) {
+        // After the close: the rollback finds no handle and logs its own failure.
+        logger.e("%s:reason=IncompleteTransaction, action=RollBack.", "~SQLiteDatabase");
+        rollbackTransaction();
+    }
+}
+
+bool SQLiteDatabase::initialize() {
+    if (db != nullptr) {
+        logger.d("%s:status=DatabaseAlreadyOpen", "initialize");
+        return false;
+    }
+    if (FileIO::fileExists(path)) {
+        logger.d("%s:status=FileAlreadyExists, filePath=%s", "initialize", path.c_str());
+        return false;
+    }
+    db = createSQLiteDatabase(path);
+    if (db == nullptr) {
+        logger.e("%s:error=FailedToCreateDatabase, filePath=%s", "initialize", path.c_str());
+        return false;
+    }
+    chmod(path.c_str(), 0777);
+    return true;
+}
+
+bool SQLiteDatabase::open() {
+    if (db != nullptr) {
+        logger.d("%s:status=DatabaseAlreadyOpen", "open");
+        return false;
+    }
+    if (!FileIO::fileExists(path)) {
+        logger.d("%s:status=FileDoesNotExist, filePath=%s", "open", path.c_str());
+        return false;
+    }
+    db = openSQLiteDatabase(path);
+    if (db == nullptr) {
+        logger.e("%s:status=FailedToOpenDatabase, filePath=%s", "open", path.c_str());
+        return false;
+    }
+    return true;
+}
+
+void SQLiteDatabase::close() {
+    if (db != nullptr) {
+        closeSQLiteDatabase(db);
+        db = nullptr;
+    }
+}
+
+bool SQLiteDatabase::isDatabaseReady() const {
+    return db != nullptr;
+}
+
+bool SQLiteDatabase::performQuery(const std::string& sql) {
+    if (!smarthome::performQuery(db, sql)) {
+        // The text names the SQL without carrying it (the failing query is in the
+        // SQLiteUtils line just before); kept as the log vocabulary.
+        logger.d("%s:error=performQueryFailed, SQL string", "performQuery");
+        return false;
+    }
+    return true;
+}
+
+bool SQLiteDatabase::getTableNames(std::vector<std::string>& names) {
+    if (!smarthome::getTableNames(db, names)) {
+        logger.e("%s:reason=QueryFailedErrorInChecking", "getTableNames");
+        return false;
+    }
+    return true;
+}
+
+bool SQLiteDatabase::tableExists(const std::string& table) {
+    if (!smarthome::tableExists(db, table)) {
+        logger.d("%s:reason=tableDoesn'tExist or ErrorInChecking, table=%s", "tableExists",
+                 table.c_str());
+        return false;
+    }
+    return true;
+}
+
+bool SQLiteDatabase::columnExists(const std::string& table, const std::string& column) {
+    if (!smarthome::columnExists(db, table, column)) {
+        logger.d("%s:reason=columnDoesn'tExist or ErrorInChecking, table=%s, column=%s",
+                 "columnExists", table.c_str(), column.c_str());
+        return false;
+    }
+    return true;
+}
+
+bool SQLiteDatabase::clearTable(const std::string& table) {
+    if (!smarthome::clearTable(db, table)) {
+        logger.e("%s:error=FailedToClearTable, table=%s", "clearTable", table.c_str());
+        return false;
+    }
+    return true;
+}
+
+bool SQLiteDatabase::tableEmpty(const std::string& table) {
+    const std::string sql = "SELECT count(*) FROM " + table;
+    if (open()) {
+        logger.e("%s:error=tableEmpty, reason=DatabaseJustOpened", "tableEmpty");
+        return false;
+    }
+    auto statement = createStatement(sql);
+    if (!statement) {
+        return false;
+    }
+    if (!statement->step()) {
+        logger.e("%s:error=FailedToQuery", "tableEmpty");
+        return false;
+    }
+    return statement->getColumnInt(0) == 0;
+}
+
+std::unique_ptr<SQLiteStatement> SQLiteDatabase::createStatement(const std::string& sql) {
+    auto statement = std::make_unique<SQLiteStatement>(db, sql);
+    if (!statement->isValid()) {
+        logger.e("%s:error=createStatementFailed, sqlString=%s", "createStatement", sql.c_str());
+        return nullptr;
+    }
+    return statement;
+}
+
+std::unique_ptr<SQLiteDatabase::Transaction> SQLiteDatabase::beginTransaction() {
+    if (transactionInProgress) {
+        logger.e("%s:error=beginTransactionFailed, reason=OneTransactionAlreadyinProgress",
+                 "beginTransaction");
+        return nullptr;
+    }
+    if (!performQuery("BEGIN TRANSACTION;")) {
+        logger.e("%s:error=beginTransactionFailed, reason=QueryFailed", "beginTransaction");
+        return nullptr;
+    }
+    transactionInProgress = true;
+    return std::make_unique<Transaction>(weak_from_this());
+}
+
+bool SQLiteDatabase::commitTransaction() {
+    if (!transactionInProgress) {
+        logger.e("%s:error=commitTransactionFailed, reason=NoTransactionInProgress",
+                 "commitTransaction");
+        return false;
+    }
+    if (!performQuery("COMMIT TRANSACTION;")) {
+        logger.e("%s:error=commitTransactionFailed, reason=QueryFailed", "commitTransaction");
+        return false;
+    }
+    transactionInProgress = false;
+    return true;
+}
+
+bool SQLiteDatabase::rollbackTransaction() {
+    if (!transactionInProgress) {
+        logger.e("%s:error=rollbackTransactionFailed, reason=NoTransactionInProgress",
+                 "rollbackTransaction");
+        return false;
+    }
+    if (!performQuery("ROLLBACK TRANSACTION;")) {
+        logger.e("%s:error=rollbackTransactionFailed, reason=QueryFailed", "rollbackTransaction");
+        return false;
+    }
+    transactionInProgress = false;
+    return true;
+}
+
+SQLiteDatabase::Transaction::Transaction(std::weak_ptr<SQLiteDatabase> database)
+    : database(std::move(database)) {}
+
+SQLiteDatabase::Transaction::~Transaction() {
+    if (!completed) {
+        logger.e("%s:error=TransactionFailedToComplete, action=Rollback", "~Transaction");
+        rollback();
+    }
+}
+
+bool SQLiteDatabase::Transaction::commit() {
+    if (completed) {
+        logger.e("%s:error=commitFailed, reason=TransactionAlreadyCompleted", "commit");
+        return false;
+    }
+    auto owner = database.lock();
+    if (!owner) {
+        logger.e("%s:error=commitFailed, reason=DatabaseAlreadyFinalized", "commit");
+        return false;
+    }
+    completed = true;
+    return owner->commitTransaction();
+}
+
+bool SQLiteDatabase::Transaction::rollback() {
+    if (completed) {
+        logger.e("%s:error=rollbackFailed, reason=TransactionAlreadyCompleted", "rollback");
+        return false;
+    }
+    auto owner = database.lock();
+    if (!owner) {
+        logger.e("%s:error=rollbackFailed, reason=DatabaseAlreadyFinalized", "rollback");
+        return false;
+    }
+    completed = true;
+    return owner->rollbackTransaction();
+}
+
+}  // namespace smarthome

@@ -1,0 +1,243 @@
+#include "smarthome/SQLiteDatabase.h"
+
+#include <android/log.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <string>
+#include <vector>
+
+#include "smarthome/SQLiteUtils.h"
+#include "support/TestSupport.h"
+
+namespace smarthome {
+namespace {
+
+const char kDatabaseTag[] = "SmartHome:SQLiteDatabase";
+const char kStatementTag[] = "SmartHome:SQLiteStatement";
+
+class SQLiteDatabaseTest : public testing::Test {
+protected:
+    void SetUp() override {
+        database = SQLiteDatabase::create(dir.file("test.db"));
+        ASSERT_TRUE(database->initialize());
+        ASSERT_TRUE(database->performQuery("CREATE TABLE t (id INTEGER, name TEXT);"));
+        capture.clear();
+    }
+    void TearDown() override { database->close(); }
+
+    int count() {
+        auto statement = database->createStatement("SELECT count(*) FROM t;");
+        EXPECT_TRUE(statement && statement->step());
+        return statement ? statement->getColumnInt(0) : -1;
+    }
+    void insert(int id) {
+        ASSERT_TRUE(
+            database->performQuery("INSERT INTO t VALUES (" + std::to_string(id) + ", 'n');"));
+    }
+
+    test::TempDir dir;
+    test::LogCapture capture;
+    std::shared_ptr<SQLiteDatabase> database;
+};
+
+TEST_F(SQLiteDatabaseTest, InitializeCreatesOnlyAndOpenOpensOnly) {
+    struct stat info {};
+    ASSERT_EQ(stat(dir.file("test.db").c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777, 0777u);
+    EXPECT_FALSE(database->initialize());
+    EXPECT_FALSE(database->open());
+    database->close();
+    EXPECT_FALSE(database->isDatabaseReady());
+    EXPECT_FALSE(database->initialize());
+    EXPECT_TRUE(database->open());
+
+    SQLiteDatabase missing(dir.file("missing.db"));
+    EXPECT_FALSE(missing.open());
+    struct stat none {};
+    EXPECT_NE(stat(dir.file("missing.db").c_str(), &none), 0);
+    EXPECT_EQ(capture.texts(ANDROID_LOG_DEBUG, kDatabaseTag),
+              (std::vector<std::string>{
+                  "initialize:status=DatabaseAlreadyOpen", "open:status=DatabaseAlreadyOpen",
+                  "initialize:status=FileAlreadyExists, filePath=" + dir.file("test.db"),
+                  "open:status=FileDoesNotExist, filePath=" + dir.file("missing.db")}));
+}
+
+TEST_F(SQLiteDatabaseTest, StatementsBindStepAndReadColumns) {
+    auto insertStatement = database->createStatement("INSERT INTO t VALUES (?, ?);");
+    ASSERT_TRUE(insertStatement);
+    for (int i = 0; i < 3; ++i) {
+        std::string name = "name" + std::to_string(i);
+        ASSERT_TRUE(insertStatement->bindIntParameter(1, i));
+        ASSERT_TRUE(insertStatement->bindStringParameter(2, name));
+        name.assign("clobbered");  // the statement keeps its own copy
+        ASSERT_TRUE(insertStatement->step());
+        EXPECT_EQ(insertStatement->getStepResult(), 101);
+        ASSERT_TRUE(insertStatement->reset());
+    }
+    ASSERT_TRUE(database->performQuery("INSERT INTO t VALUES (9, NULL);"));
+    auto select = database->createStatement("SELECT id, name FROM t ORDER BY id;");
+    ASSERT_TRUE(select);
+    EXPECT_EQ(select->getColumnCount(), 2);
+    EXPECT_EQ(select->getColumnName(1), "name");
+    std::vector<std::string> names;
+    while (select->step() && select->getStepResult() == 100) {
+        names.push_back(select->getColumnText(1));
+    }
+    EXPECT_EQ(names, (std::vector<std::string>{"name0", "name1", "name2", ""}));
+    EXPECT_EQ(select->getColumnInt64(0), 0);  // after the end: SQLite's neutral value
+}
+
+TEST_F(SQLiteDatabaseTest, BadStatementsAndPositionsFailWithTheirLines) {
+    EXPECT_EQ(database->createStatement("SELEC nonsense"), nullptr);
+    auto statement = database->createStatement("SELECT id FROM t WHERE id = ?;");
+    ASSERT_TRUE(statement);
+    EXPECT_FALSE(statement->bindIntParameter(0, 1));
+    EXPECT_FALSE(statement->bindInt64Parameter(-1, 1));
+    EXPECT_FALSE(statement->bindStringParameter(0, "x"));
+    EXPECT_FALSE(statement->bindIntParameter(2, 1));
+    EXPECT_FALSE(statement->bindStringParameter(5, "x"));
+    EXPECT_EQ(statement->getColumnText(-1), "");
+    EXPECT_EQ(statement->getColumnInt(-1), 0);
+    EXPECT_EQ(statement->getColumnInt64(-2), 0);
+    EXPECT_EQ(statement->getColumnName(-1), "");
+    EXPECT_EQ(statement->getColumnText(7), "");
+    SQLiteStatement invalid(nullptr, "SELECT 1;");
+    EXPECT_FALSE(invalid.isValid());
+    EXPECT_FALSE(invalid.step());
+    invalid.finalize();
+    auto lines = capture.texts(ANDROID_LOG_ERROR, kStatementTag);
+    ASSERT_EQ(lines.size(), 12u);
+    EXPECT_EQ(lines[0].rfind("SQLiteStatement:error=constructorFailed, reason=Could not create "
+                             "prepared statement, rcode=1errorMessage=near \"SELEC\"",
+                             0),
+              0u);
+    EXPECT_EQ(lines[1], "bindIntParameter:error=bindIntParameterFailed, reason=invalidPosition");
+    EXPECT_EQ(lines[2],
+              "bindInt64Parameter:error=bindInt64ParameterFailed, reason=invalidPosition");
+    EXPECT_EQ(lines[3],
+              "bindStringParameter:error=bindStringParameterFailed, reason=invalidPosition");
+    EXPECT_EQ(lines[4], "bindIntParameter:error=bindIntParameterFailed, rcode=25");
+    EXPECT_EQ(lines[5], "bindStringParameter:error=bindInt64ParameterFailed, rcode=25");
+    EXPECT_EQ(lines[6], "getColumnText:error=getColumnTextFailed, reason=invalidPosition");
+    EXPECT_EQ(lines[7], "getColumnInt:error=getColumnIntFailed, reason=invalidPosition");
+    EXPECT_EQ(lines[8], "getColumnInt64:error=getColumnInt64Failed, reason=invalidPosition");
+    EXPECT_EQ(lines[9], "getColumnName:error=getColumnNameFailed, reason=invalidPosition");
+    EXPECT_EQ(lines[10],
+              "SQLiteStatement:error=constructorFailed, reason=Could not create "
+              "prepared statement, rcode=21errorMessage=out of memory");
+    EXPECT_EQ(lines[11], "step:error=StepInvalid");
+    EXPECT_EQ(capture.texts(ANDROID_LOG_ERROR, kDatabaseTag),
+              std::vector<std::string>{
+                  "createStatement:error=createStatementFailed, sqlString=SELEC nonsense"});
+}
+
+TEST_F(SQLiteDatabaseTest, TransactionsCommitRollBackAndRollBackOnScopeExit) {
+    {
+        auto transaction = database->beginTransaction();
+        ASSERT_TRUE(transaction);
+        EXPECT_EQ(database->beginTransaction(), nullptr);
+        insert(1);
+        EXPECT_TRUE(transaction->commit());
+        EXPECT_FALSE(transaction->commit());
+        EXPECT_FALSE(transaction->rollback());
+    }
+    {
+        auto transaction = database->beginTransaction();
+        ASSERT_TRUE(transaction);
+        insert(2);
+    }  // rolled back
+    {
+        auto transaction = database->beginTransaction();
+        insert(3);
+        EXPECT_TRUE(transaction->rollback());
+    }
+    EXPECT_EQ(count(), 1);
+    EXPECT_FALSE(database->commitTransaction());
+    EXPECT_FALSE(database->rollbackTransaction());
+    EXPECT_EQ(capture.texts(ANDROID_LOG_ERROR, kDatabaseTag),
+              (std::vector<std::string>{
+                  "beginTransaction:error=beginTransactionFailed, "
+                  "reason=OneTransactionAlreadyinProgress",
+                  "commit:error=commitFailed, reason=TransactionAlreadyCompleted",
+                  "rollback:error=rollbackFailed, reason=TransactionAlreadyCompleted",
+                  "~Transaction:error=TransactionFailedToComplete, action=Rollback",
+                  "commitTransaction:error=commitTransactionFailed, reason=NoTransactionInProgress",
+                  "rollbackTransaction:error=rollbackTransactionFailed, "
+                  "reason=NoTransactionInProgress"}));
+}
+
+TEST_F(SQLiteDatabaseTest, ATransactionOutlivingItsDatabaseReportsIt) {
+    auto transaction = database->beginTransaction();
+    ASSERT_TRUE(transaction);
+    database->close();
+    capture.clear();
+    database.reset();  // destroyed closed but inside a transaction
+    EXPECT_FALSE(transaction->commit());
+    transaction.reset();
+    auto lines = capture.texts(ANDROID_LOG_ERROR, kDatabaseTag);
+    ASSERT_GE(lines.size(), 4u);
+    EXPECT_EQ(lines[0], "~SQLiteDatabase:reason=IncompleteTransaction, action=RollBack.");
+    EXPECT_EQ(lines[1], "rollbackTransaction:error=rollbackTransactionFailed, reason=QueryFailed");
+    EXPECT_EQ(lines[2], "commit:error=commitFailed, reason=DatabaseAlreadyFinalized");
+    EXPECT_EQ(lines[3], "~Transaction:error=TransactionFailedToComplete, action=Rollback");
+    database = SQLiteDatabase::create(dir.file("test.db"));
+}
+
+TEST_F(SQLiteDatabaseTest, TableEmptyAnswersOnlyForAnOpenDatabase) {
+    EXPECT_TRUE(database->tableEmpty("t"));
+    insert(1);
+    EXPECT_FALSE(database->tableEmpty("t"));
+    database->close();
+    capture.clear();
+    EXPECT_FALSE(database->tableEmpty("t"));
+    EXPECT_EQ(capture.texts(ANDROID_LOG_ERROR, kDatabaseTag),
+              std::vector<std::string>{"tableEmpty:error=tableEmpty, reason=DatabaseJustOpened"});
+    EXPECT_TRUE(database->isDatabaseReady());
+    EXPECT_FALSE(database->tableEmpty("t"));
+    EXPECT_FALSE(database->tableEmpty("missing"));
+}
+
+TEST_F(SQLiteDatabaseTest, TableQueriesAndTheirMisses) {
+    std::vector<std::string> names{"kept"};
+    EXPECT_TRUE(database->getTableNames(names));
+    EXPECT_EQ(names, (std::vector<std::string>{"kept", "t"}));
+    EXPECT_TRUE(database->tableExists("t"));
+    EXPECT_FALSE(database->tableExists("u"));
+    EXPECT_TRUE(database->columnExists("t", "name"));
+    EXPECT_FALSE(database->columnExists("t", "Name"));
+    insert(1);
+    EXPECT_TRUE(database->clearTable("t"));
+    EXPECT_EQ(count(), 0);
+    EXPECT_FALSE(database->clearTable("u"));
+    EXPECT_FALSE(database->performQuery("NOT SQL"));
+    auto debug = capture.texts(ANDROID_LOG_DEBUG, kDatabaseTag);
+    EXPECT_EQ(debug, (std::vector<std::string>{
+                         "tableExists:reason=tableDoesn'tExist or ErrorInChecking, table=u",
+                         "columnExists:reason=columnDoesn'tExist or ErrorInChecking, table=t, "
+                         "column=Name",
+                         "performQuery:error=performQueryFailed, SQL string"}));
+}
+
+TEST(SQLiteDatabaseFiles, NonDatabaseFilesAndLongPathsFailCleanly) {
+    test::TempDir dir;
+    test::LogCapture capture;
+    ASSERT_TRUE(test::writeFile(dir.file("text.db"), std::string(4096, 'x')));
+    auto database = SQLiteDatabase::create(dir.file("text.db"));
+    if (database->open()) {
+        EXPECT_FALSE(database->tableExists("t"));
+        EXPECT_FALSE(database->performQuery("CREATE TABLE t (a);"));
+        database->close();
+    }
+    auto longPath = SQLiteDatabase::create(dir.path() + "/" + std::string(5000, 'p') + ".db");
+    EXPECT_FALSE(longPath->initialize());
+    EXPECT_FALSE(longPath->open());
+    SQLiteDatabase closed(dir.file("none.db"));
+    EXPECT_FALSE(closed.performQuery("SELECT 1;"));
+    EXPECT_FALSE(closed.tableExists("t"));
+    EXPECT_EQ(closed.createStatement("SELECT 1;"), nullptr);
+    EXPECT_EQ(closed.beginTransaction(), nullptr);
+}
+
+}  // namespace
+}  // namespace smarthome
