@@ -1,0 +1,141 @@
+#include "smarthome/ThreadSafeSQLiteDatabase.h"
+
+#include <android/log.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <string>
+#include <vector>
+
+#include "smarthome/SynchronizedHashMap.h"
+#include "storage/StorageTestSupport.h"
+#include "support/TestSupport.h"
+
+namespace smarthome {
+namespace {
+
+const char kTag[] = "SmartHome:ThreadSafeSQLiteDatabase";
+
+TEST(SynchronizedHashMap, FindReportsPresenceAndInsertRefusesPresentKeys) {
+    SynchronizedHashMap<std::string, int> map;
+    EXPECT_EQ(map.find("a"), std::make_pair(false, 0));
+    EXPECT_TRUE(map.insert("a", 1));
+    EXPECT_FALSE(map.insert("a", 2));
+    EXPECT_EQ(map.find("a"), std::make_pair(true, 1));
+}
+
+TEST(ThreadSafeSQLiteDatabase, OneInstancePerExactPath) {
+    test::TempDir dir;
+    test::LogCapture capture;
+    const std::string path = dir.file("r.db");
+    auto first = ThreadSafeSQLiteDatabase::getInstance(path);
+    auto second = ThreadSafeSQLiteDatabase::getInstance(path);
+    auto other = ThreadSafeSQLiteDatabase::getInstance(path + "/");
+    EXPECT_EQ(first, second);
+    EXPECT_NE(first, other);
+    EXPECT_FALSE(first->isDatabaseReady());
+    EXPECT_EQ(
+        capture.texts(ANDROID_LOG_DEBUG, kTag),
+        (std::vector<std::string>{"getInstance:InstanceNotFound, storageFilePath=" + path,
+                                  "getInstance:InstanceFound, storageFilePath=" + path,
+                                  "getInstance:InstanceNotFound, storageFilePath=" + path + "/"}));
+}
+
+TEST(ThreadSafeSQLiteDatabase, LockedStatementsWriteWhatTheShellReads) {
+    test::TempDir dir;
+    const std::string path = dir.file("shell.db");
+    auto database = ThreadSafeSQLiteDatabase::getInstance(path);
+    ASSERT_TRUE(database->initialize());
+    ASSERT_TRUE(database->performQuery("CREATE TABLE devices (id INTEGER, name TEXT);"));
+    database->lock();
+    {
+        auto transaction = database->beginTransaction();
+        auto statement = database->createStatement("INSERT INTO devices VALUES (?, ?);");
+        ASSERT_TRUE(transaction && statement);
+        for (int i = 0; i < 100; ++i) {
+            statement->bindIntParameter(1, i);
+            statement->bindStringParameter(2, "lamp'" + std::to_string(i));
+            ASSERT_TRUE(statement->step());
+            ASSERT_TRUE(statement->reset());
+        }
+        statement.reset();
+        ASSERT_TRUE(transaction->commit());
+    }
+    database->unlock();
+    EXPECT_TRUE(database->tableExists("devices"));
+    EXPECT_TRUE(database->columnExists("devices", "name"));
+    EXPECT_EQ(test::sqliteShell(path, "SELECT count(*), max(id) FROM devices;"), "100|99\n");
+    EXPECT_EQ(test::sqliteShell(path, "SELECT name FROM devices WHERE id = 7;"), "lamp'7\n");
+    database->close();
+}
+
+TEST(ThreadSafeSQLiteDatabase, ClearAllTablesKeepsTablesAndLogsTheList) {
+    test::TempDir dir;
+    test::LogCapture capture;
+    auto database = ThreadSafeSQLiteDatabase::getInstance(dir.file("clear.db"));
+    ASSERT_TRUE(database->initialize());
+    EXPECT_TRUE(database->clearAllTablesFromDb());
+    ASSERT_TRUE(database->performQuery("CREATE TABLE a (x); CREATE TABLE b (y);"));
+    ASSERT_TRUE(database->performQuery("INSERT INTO a VALUES (1); INSERT INTO b VALUES (2);"));
+    EXPECT_TRUE(database->clearAllTablesFromDb());
+    std::vector<std::string> names;
+    EXPECT_TRUE(database->getTableNames(names));
+    EXPECT_EQ(names, (std::vector<std::string>{"a", "b"}));
+    EXPECT_EQ(test::sqliteShell(dir.file("clear.db"),
+                                "SELECT (SELECT count(*) FROM a) + (SELECT count(*) FROM b);"),
+              "0\n");
+    EXPECT_EQ(capture.texts(ANDROID_LOG_INFO, kTag),
+              (std::vector<std::string>{"clearAllTablesFromDb:listOftables=[]",
+                                        "clearAllTablesFromDb:TableCleanupSuccessful",
+                                        "clearAllTablesFromDb:listOftables=[a, b]",
+                                        "clearAllTablesFromDb:TableCleanupSuccessful"}));
+    database->close();
+}
+
+// A child process inserts inside a transaction and is killed: the uncommitted rows are
+// gone when the file is reopened, the committed ones survive the same kill.
+TEST(ThreadSafeSQLiteDatabase, KilledProcessesLeaveOnlyCommittedRows) {
+    test::TempDir dir;
+    const std::string path = dir.file("crash.db");
+    {
+        SQLiteDatabase setup(path);
+        ASSERT_TRUE(setup.initialize());
+        ASSERT_TRUE(setup.performQuery("CREATE TABLE t (id INTEGER);"));
+        setup.close();
+    }
+    for (bool commit : {false, true}) {
+        int ready[2];
+        ASSERT_EQ(pipe(ready), 0);
+        pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            auto database = SQLiteDatabase::create(path);
+            bool ok = database->open();
+            auto transaction = database->beginTransaction();
+            for (int i = 0; ok && transaction && i < 1000; ++i) {
+                ok = database->performQuery("INSERT INTO t VALUES (" + std::to_string(i) + ");");
+            }
+            if (ok && commit) {
+                ok = transaction->commit();
+            }
+            char status = ok ? '1' : '0';
+            (void)!write(ready[1], &status, 1);
+            pause();  // killed here, with the transaction still open when not committed
+            _exit(0);
+        }
+        close(ready[1]);
+        char status = 0;
+        ASSERT_EQ(read(ready[0], &status, 1), 1);
+        close(ready[0]);
+        ASSERT_EQ(status, '1');
+        kill(child, SIGKILL);
+        int waited = 0;
+        waitpid(child, &waited, 0);
+        EXPECT_EQ(test::sqliteShell(path, "SELECT count(*) FROM t;"), commit ? "1000\n" : "0\n");
+    }
+}
+
+}  // namespace
+}  // namespace smarthome
