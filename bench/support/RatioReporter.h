@@ -1,6 +1,7 @@
 // Console reporter that also remembers each benchmark's time per iteration, so that a
 // benchmark program can print ratios between a baseline and the library's code measured
-// in the same run.
+// in the same run. With repetitions, the fastest repetition counts (the least disturbed by
+// the rest of the machine).
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -18,8 +19,12 @@ public:
     void ReportRuns(const std::vector<Run>& runs) override {
         for (const Run& run : runs) {
             if (run.run_type == Run::RT_Iteration && run.iterations > 0) {
-                nanoseconds_[run.benchmark_name()] =
-                    run.GetAdjustedCPUTime() * multiplierToNanoseconds(run.time_unit);
+                const double ns =
+                    run.GetAdjustedRealTime() * multiplierToNanoseconds(run.time_unit);
+                auto known = nanoseconds_.find(run.run_name.str());
+                if (known == nanoseconds_.end() || ns < known->second) {
+                    nanoseconds_[run.run_name.str()] = ns;
+                }
             }
         }
         ConsoleReporter::ReportRuns(runs);

@@ -1,12 +1,11 @@
 // One prepared SQLite statement with the strings bound to it. Binds are 1-based, columns
 // 0-based; failures return false/empty/0 and write one error line (tag
 // "SmartHome:SQLiteStatement").
-// Ownership: owns the prepared statement and copies of the bound strings (SQLite reads
-// them in place); does not keep its database alive: destroy statements before closing it.
+// Ownership: owns the prepared statement (SQLite copies bound strings); does not keep its
+// database alive: destroy statements before closing it.
 // Thread-safety: none; one thread at a time, as its database.
 #pragma once
 
-#include <list>
 #include <memory>
 #include <string>
 
@@ -42,7 +41,6 @@ public:
     long long getColumnInt64(int column) const;
 
 private:
-    std::list<std::string> boundStrings;
     sqlite3_stmt* stmt = nullptr;
     int stepResult = 0;
 };

@@ -102,10 +102,10 @@ bool SQLiteStatement::bindStringParameter(int position, const std::string& value
                  "bindStringParameter");
         return false;
     }
-    // SQLite reads the text in place (SQLITE_STATIC): the copy lives as long as the
-    // statement, and a list never moves earlier copies.
-    boundStrings.push_back(value);
-    int code = sqlite3_bind_text(stmt, position, boundStrings.back().c_str(), -1, SQLITE_STATIC);
+    // SQLite takes its own copy of the text (SQLITE_TRANSIENT), so the caller's string and
+    // this object keep no text alive between binds: a statement reused for many rows does
+    // not accumulate one copy per bind.
+    int code = sqlite3_bind_text(stmt, position, value.c_str(), -1, SQLITE_TRANSIENT);
     if (code != SQLITE_OK) {
         logger.e("%s:error=bindInt64ParameterFailed, rcode=%d", "bindStringParameter", code);
         return false;
