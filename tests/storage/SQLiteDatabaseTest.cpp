@@ -3,6 +3,7 @@
 #include <android/log.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <string>
 #include <vector>
@@ -237,6 +238,22 @@ TEST(SQLiteDatabaseFiles, NonDatabaseFilesAndLongPathsFailCleanly) {
     EXPECT_FALSE(closed.tableExists("t"));
     EXPECT_EQ(closed.createStatement("SELECT 1;"), nullptr);
     EXPECT_EQ(closed.beginTransaction(), nullptr);
+}
+
+TEST(SQLiteDatabaseFiles, AReadOnlyDirectoryRefusesANewDatabase) {
+    if (geteuid() == 0) {
+        GTEST_SKIP() << "permission checks do not apply to root";
+    }
+    test::TempDir dir;
+    test::LogCapture capture;
+    const std::string locked = dir.file("locked");
+    ASSERT_EQ(mkdir(locked.c_str(), 0555), 0);
+    auto database = SQLiteDatabase::create(locked + "/new.db");
+    EXPECT_FALSE(database->initialize());
+    EXPECT_FALSE(database->isDatabaseReady());
+    EXPECT_EQ(capture.texts(ANDROID_LOG_ERROR, kDatabaseTag),
+              std::vector<std::string>{
+                  "initialize:error=FailedToCreateDatabase, filePath=" + locked + "/new.db"});
 }
 
 }  // namespace
