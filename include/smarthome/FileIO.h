@@ -13,7 +13,7 @@ class FileIO {
 public:
     // True when stat of path succeeds (any kind of file).
     static bool doesDirectoryExist(const std::string& path);
-    // True when the file can be opened for reading.
+    // True when the file (or directory) can be opened for reading.
     static bool fileExists(const std::string& path);
     static bool createDirectory(const std::string& path, unsigned short mode);
     // a + "/" + b: one slash is always added.
@@ -21,7 +21,8 @@ public:
     // Note the order: destination first. Without overwrite an existing destination fails.
     static bool copyFile(const std::string& destination, const std::string& source, bool overwrite);
     static bool removeFile(const std::string& path);
-    // Reads the whole file into out (replacing its content).
+    // Reads the whole file into out, replacing its content; the size is the file's end
+    // position, so kernel files and FIFOs read as empty. On failure out is unchanged.
     static bool readFile(const std::string& path, std::vector<unsigned char>& out);
     // One-shot flag-file test whose read test is inverted: it answers false for every
     // file, and removes nothing, because a successful read counts as "not readable".

@@ -7,7 +7,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
 #include <vector>
 
 #include "smarthome/SmartHomeLogger.h"
@@ -71,8 +70,9 @@ bool FileIO::doesDirectoryExist(const std::string& path) {
 }
 
 bool FileIO::fileExists(const std::string& path) {
-    std::ifstream file(path);
-    return file.good();
+    // Non-blocking, so that a FIFO without a writer answers at once instead of hanging.
+    FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    return file.valid();
 }
 
 bool FileIO::createDirectory(const std::string& path, unsigned short mode) {
@@ -146,7 +146,9 @@ bool FileIO::removeFile(const std::string& path) {
 }
 
 bool FileIO::readFile(const std::string& path, std::vector<unsigned char>& out) {
-    FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    // Non-blocking open: a FIFO reads as empty rather than waiting for a writer. Regular
+    // files ignore the flag.
+    FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     struct stat info {};
     if (!file.valid() || ::fstat(file.get(), &info) != 0 || S_ISDIR(info.st_mode)) {
         logger.e("%s:event=unableToOpenFile, filePath=%s", "readFile", path.c_str());

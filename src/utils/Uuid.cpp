@@ -56,6 +56,9 @@ std::string Uuid::generateRandomUUID() {
     return out;
 }
 
+// libuuid's own MD5 generator always hashes a namespace UUID ahead of the name, which gives a
+// different value; the name-based form here hashes the bytes alone, so the digest comes from
+// the crypto library and only the text formatting from libuuid.
 std::string Uuid::nameUUIDFromString(const std::string& name) {
     unsigned char digest[kMd5Length];
     if (!md5(name, digest)) {

@@ -29,8 +29,17 @@ TEST(HashGenerator, Sha256KnownAnswers) {
 }
 
 TEST(HashUtils, MurmurHash2MatchesAnIndependentImplementation) {
-    // Values from a separate, straightforward implementation of MurmurHash2.
+    // Values from a separate, straightforward implementation of MurmurHash2 (one per tail
+    // length, bytes with the high bit set, and the largest seed).
     EXPECT_EQ(HashUtils::MurmurHash("", 0), 0u);
+    EXPECT_EQ(HashUtils::MurmurHash("ab", 0), 446775395u);
+    EXPECT_EQ(HashUtils::MurmurHash("hello!", 42), 3116761673u);
+    EXPECT_EQ(HashUtils::MurmurHash(std::string(5, '\0'), 0xffffffffu), 1284185937u);
+    std::string allBytes;
+    for (int i = 0; i < 256; ++i) {
+        allBytes += static_cast<char>(i);
+    }
+    EXPECT_EQ(HashUtils::MurmurHash(allBytes, 0x12345678), 2773879562u);
     EXPECT_EQ(HashUtils::MurmurHash("a", 0), 2456313694u);
     EXPECT_EQ(HashUtils::MurmurHash("abc", 0), 324500635u);
     EXPECT_EQ(HashUtils::MurmurHash("abcd", 1), 3376380438u);
@@ -60,10 +69,25 @@ TEST(HashUtils, ChecksummedEncodingRoundTripsAnyBytes) {
         EXPECT_TRUE(HashUtils::DecodeAndCheck(encoded, back));
         EXPECT_EQ(back, plain);
     }
-    auto debug = capture.texts(ANDROID_LOG_DEBUG, kTag);
-    ASSERT_FALSE(debug.empty());
-    EXPECT_EQ(debug[0].rfind("EncodeWithChecksum:hashed string: ", 0), 0u);
-    EXPECT_EQ(debug[1], "EncodeWithChecksum:combinedString: x" + debug[0].substr(34));
+    const std::string big(1 << 20, '\x9c');
+    std::string back;
+    EXPECT_TRUE(HashUtils::DecodeAndCheck(HashUtils::EncodeWithChecksum(big), back));
+    EXPECT_EQ(back, big);
+}
+
+TEST(HashUtils, DebugLinesShowHashCombinationAndPayload) {
+    std::string hex;
+    ASSERT_TRUE(HashGenerator::sha256("x", hex));
+    test::LogCapture capture;
+    std::string encoded = HashUtils::EncodeWithChecksum("x");
+    std::string plain;
+    ASSERT_TRUE(HashUtils::DecodeAndCheck(encoded, plain));
+    EXPECT_EQ(capture.texts(ANDROID_LOG_DEBUG, kTag),
+              (std::vector<std::string>{"EncodeWithChecksum:hashed string: " + hex,
+                                        "EncodeWithChecksum:combinedString: x" + hex,
+                                        "DecodeAndCheck:decodedString: x" + hex,
+                                        "DecodeAndCheck:out: x"}));
+    EXPECT_EQ(capture.lines().size(), 4u);
 }
 
 TEST(HashUtils, DecodeAndCheckRefusesCorruption) {
@@ -82,6 +106,21 @@ TEST(HashUtils, DecodeAndCheckRefusesCorruption) {
               (std::vector<std::string>{"DecodeAndCheck:decodedString len is too short. len: 64",
                                         "DecodeAndCheck:fail to decode input string: not base64!",
                                         "DecodeAndCheck:checksum mismatch"}));
+
+    // Damaged texts: every one fails with a logged reason and never touches plain.
+    const std::string good = HashUtils::EncodeWithChecksum("payload");
+    std::string wrongPadding = good + "=";
+    std::string flipped = good;
+    flipped[2] = flipped[2] == 'A' ? 'B' : 'A';
+    for (const std::string& bad :
+         {good.substr(0, good.size() - 2), good.substr(0, good.size() - 4), wrongPadding,
+          good.substr(1), flipped, std::string("\0\xff\x01", 3), std::string(1, '='),
+          std::string(4097, '='), Base64::Encode(std::string(65, '\0'))}) {
+        capture.clear();
+        EXPECT_FALSE(HashUtils::DecodeAndCheck(bad, plain)) << bad;
+        EXPECT_EQ(capture.texts(ANDROID_LOG_ERROR, kTag).size(), 1u) << bad;
+    }
+    EXPECT_EQ(plain, "kept");
 
     capture.clear();
     EXPECT_TRUE(HashUtils::DecodeAndCheck("", plain));

@@ -2,6 +2,7 @@
 
 #include <climits>
 #include <set>
+#include <vector>
 
 #include "smarthome/ProcInfo.h"
 #include "smarthome/RandomUtils.h"
@@ -19,6 +20,9 @@ TEST(RetryUtils, BackoffDoublesCapsAndWrapsLikeThe32BitProduct) {
     EXPECT_EQ(RetryUtils::calculateExponentialBackoff(100, 30000, 17),
               RetryUtils::calculateExponentialBackoff(100, 30000, 60));
     EXPECT_EQ(RetryUtils::calculateExponentialBackoff(100000, INT_MAX, 17), 222298112);
+    // A product past INT_MAX wraps negative and, compared signed, wins over maxDelay.
+    EXPECT_EQ(RetryUtils::calculateExponentialBackoff(20000, INT_MAX, 17), -1673527296);
+    EXPECT_EQ(RetryUtils::calculateExponentialBackoff(INT_MIN, 100, 1), 0);
     EXPECT_EQ(RetryUtils::calculateExponentialBackoff(-5, 100, 2), -20);
 }
 
@@ -32,15 +36,21 @@ TEST(RandomUtils, StaysWithinInclusiveBounds) {
         seen.insert(value);
     }
     EXPECT_EQ(seen.size(), 5u);
-    long long extreme = RandomUtils::getRandomNumberWithinBounds(LLONG_MIN, LLONG_MAX);
-    (void)extreme;
+    EXPECT_GE(RandomUtils::getRandomNumberWithinBounds(LLONG_MAX - 1, LLONG_MAX), LLONG_MAX - 1);
+    EXPECT_LE(RandomUtils::getRandomNumberWithinBounds(LLONG_MIN, LLONG_MIN + 1), LLONG_MIN + 1);
     long long swapped = RandomUtils::getRandomNumberWithinBounds(10, 1);
     EXPECT_GE(swapped, 1);
     EXPECT_LE(swapped, 10);
 }
 
-TEST(ProcInfo, ReportsThisProcessPss) {
-    EXPECT_GT(ProcInfo::getPssKb(), 0);
+TEST(ProcInfo, ReportsThisProcessPssInKilobytes) {
+    const int before = ProcInfo::getPssKb();
+    EXPECT_GT(before, 0);
+    // 64 MiB of private, touched pages add their full size to the PSS.
+    std::vector<char> block(64 << 20, 1);
+    const int after = ProcInfo::getPssKb();
+    EXPECT_GE(after - before, 60 * 1024) << before << " -> " << after;
+    EXPECT_EQ(block[block.size() / 2], 1);
 }
 
 }  // namespace

@@ -16,8 +16,12 @@ TEST(Uuid, NameBasedUuidsMatchTheJvmNameBasedForm) {
     EXPECT_EQ(Uuid::nameUUIDFromString("hello"), "5d41402a-bc4b-3a76-b971-9d911017c592");
     EXPECT_EQ(Uuid::nameUUIDFromString("smarthome-device-1"),
               "1cb2d90a-dc27-3238-acb4-a772d02147de");
+    EXPECT_EQ(Uuid::nameUUIDFromString(std::string("\0\xff", 2)),
+              "d07d34ef-ac63-3800-bad6-7c7e0a985e00");
+    EXPECT_EQ(Uuid::nameUUIDFromString("h\xc3\xa9llo"), "be50e847-8cf2-3ff3-995b-c7307fb91b50");
 }
 
+// The test suite of the MD5 definition.
 TEST(Uuid, Md5KnownAnswers) {
     EXPECT_EQ(Uuid::computeMd5Hash(""), "d41d8cd98f00b204e9800998ecf8427e");
     EXPECT_EQ(Uuid::computeMd5Hash("a"), "0cc175b9c0f1b6a831c399e269772661");
@@ -25,6 +29,14 @@ TEST(Uuid, Md5KnownAnswers) {
     EXPECT_EQ(Uuid::computeMd5Hash("message digest"), "f96b697d7cb7938d525a2f31aaf161d0");
     EXPECT_EQ(Uuid::computeMd5Hash("abcdefghijklmnopqrstuvwxyz"),
               "c3fcd3d76192e4007dfb496cca67e13b");
+    EXPECT_EQ(
+        Uuid::computeMd5Hash("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789"),
+        "d174ab98d277d9f5a5611c2c9f419d9f");
+    std::string digits;
+    for (int i = 0; i < 8; ++i) {
+        digits += "1234567890";
+    }
+    EXPECT_EQ(Uuid::computeMd5Hash(digits), "57edf4a22be3c955ac49da2e2107b67a");
 }
 
 TEST(Uuid, RandomUuidsAreVersionFourAndDistinct) {
