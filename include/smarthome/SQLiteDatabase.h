@@ -33,6 +33,8 @@ public:
         bool rollback();
 
     private:
+        bool complete(bool commit);
+
         std::weak_ptr<SQLiteDatabase> database;
         bool completed = false;
     };
@@ -64,6 +66,9 @@ public:
     bool rollbackTransaction();
 
 private:
+    bool endTransaction(const char* sql, const char* operation, const char* noTransactionFormat,
+                        const char* queryFailedFormat);
+
     const std::string path;
     sqlite3* db = nullptr;
     bool transactionInProgress = false;

@@ -167,27 +167,27 @@ std::unique_ptr<SQLiteDatabase::Transaction> SQLiteDatabase::beginTransaction() 
 }
 
 bool SQLiteDatabase::commitTransaction() {
-    if (!transactionInProgress) {
-        logger.e("%s:error=commitTransactionFailed, reason=NoTransactionInProgress",
-                 "commitTransaction");
-        return false;
-    }
-    if (!performQuery("COMMIT TRANSACTION;")) {
-        logger.e("%s:error=commitTransactionFailed, reason=QueryFailed", "commitTransaction");
-        return false;
-    }
-    transactionInProgress = false;
-    return true;
+    return endTransaction("COMMIT TRANSACTION;", "commitTransaction",
+                          "%s:error=commitTransactionFailed, reason=NoTransactionInProgress",
+                          "%s:error=commitTransactionFailed, reason=QueryFailed");
 }
 
 bool SQLiteDatabase::rollbackTransaction() {
+    return endTransaction("ROLLBACK TRANSACTION;", "rollbackTransaction",
+                          "%s:error=rollbackTransactionFailed, reason=NoTransactionInProgress",
+                          "%s:error=rollbackTransactionFailed, reason=QueryFailed");
+}
+
+bool SQLiteDatabase::endTransaction(const char* sql, const char* operation,
+                                    const char* noTransactionFormat,
+                                    const char* queryFailedFormat) {
     if (!transactionInProgress) {
-        logger.e("%s:error=rollbackTransactionFailed, reason=NoTransactionInProgress",
-                 "rollbackTransaction");
+        logger.e(noTransactionFormat, operation);
         return false;
     }
-    if (!performQuery("ROLLBACK TRANSACTION;")) {
-        logger.e("%s:error=rollbackTransactionFailed, reason=QueryFailed", "rollbackTransaction");
+    if (!performQuery(sql)) {
+        // The flag stays set: a later rollback is still possible.
+        logger.e(queryFailedFormat, operation);
         return false;
     }
     transactionInProgress = false;
@@ -205,31 +205,31 @@ SQLiteDatabase::Transaction::~Transaction() {
 }
 
 bool SQLiteDatabase::Transaction::commit() {
-    if (completed) {
-        logger.e("%s:error=commitFailed, reason=TransactionAlreadyCompleted", "commit");
-        return false;
-    }
-    auto owner = database.lock();
-    if (!owner) {
-        logger.e("%s:error=commitFailed, reason=DatabaseAlreadyFinalized", "commit");
-        return false;
-    }
-    completed = true;
-    return owner->commitTransaction();
+    return complete(true);
 }
 
 bool SQLiteDatabase::Transaction::rollback() {
+    return complete(false);
+}
+
+bool SQLiteDatabase::Transaction::complete(bool commit) {
+    const char* operation = commit ? "commit" : "rollback";
     if (completed) {
-        logger.e("%s:error=rollbackFailed, reason=TransactionAlreadyCompleted", "rollback");
+        logger.e(commit ? "%s:error=commitFailed, reason=TransactionAlreadyCompleted"
+                        : "%s:error=rollbackFailed, reason=TransactionAlreadyCompleted",
+                 operation);
         return false;
     }
     auto owner = database.lock();
     if (!owner) {
-        logger.e("%s:error=rollbackFailed, reason=DatabaseAlreadyFinalized", "rollback");
+        logger.e(commit ? "%s:error=commitFailed, reason=DatabaseAlreadyFinalized"
+                        : "%s:error=rollbackFailed, reason=DatabaseAlreadyFinalized",
+                 operation);
         return false;
     }
+    // Completed even when the query fails: the database's flag tells what happened.
     completed = true;
-    return owner->rollbackTransaction();
+    return commit ? owner->commitTransaction() : owner->rollbackTransaction();
 }
 
 }  // namespace smarthome
