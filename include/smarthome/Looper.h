@@ -68,6 +68,11 @@ protected:
     Looper();
 
 private:
+    friend class Handler;
+    // Keeps a departing handler's sentinel alive until the pass in progress (if any) has
+    // ended: entries of that pass may still read it.
+    void retire(std::shared_ptr<void> sentinel);
+
     struct State;
     std::shared_ptr<State> state;
 };

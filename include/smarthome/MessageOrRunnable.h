@@ -35,12 +35,23 @@ public:
     void run();
 
 private:
+    friend class Handler;
+    // Entries a Handler creates for itself borrow its sentinel instead of sharing it: the
+    // handler keeps the sentinel alive until no pass can still deliver them (see
+    // Looper::retire), which spares every entry two reference-count updates on a cache line
+    // that the sending and the looper threads would otherwise pass back and forth.
+    MessageOrRunnable(std::unique_ptr<Message> message, Handler* handler,
+                      std::atomic<bool>* borrowedSentinel);
+    MessageOrRunnable(std::function<void()> runnable, Handler* handler,
+                      std::atomic<bool>* borrowedSentinel);
+
     // The entry's state, held inline so that an entry costs one allocation.
     struct Impl {
         std::unique_ptr<Message> message;
         std::function<void()> runnable;
         Handler* handler;
-        std::shared_ptr<std::atomic<bool>> validity;
+        std::shared_ptr<std::atomic<bool>> validity;  // empty when borrowed
+        std::atomic<bool>* sentinel;                  // the one read at delivery
         bool isMsg;
     };
     mutable Impl impl;  // getMessage() const lets processing move the message out

@@ -15,6 +15,8 @@ Handler::~Handler() {
     // Entries already taken into the looper's current batch are skipped from now on.
     sentinel->store(false);
     quitSafely();
+    // This handler's entries borrow the sentinel; the pass in progress may still hold some.
+    looper->retire(std::move(sentinel));
 }
 
 std::unique_ptr<Message> Handler::obtainMessage(int what) const {
@@ -55,7 +57,8 @@ bool Handler::sendEmptyMessage(int what) {
 }
 
 bool Handler::sendMessage(std::unique_ptr<Message> message) {
-    return send(std::make_unique<MessageOrRunnable>(std::move(message), this));
+    return send(std::unique_ptr<MessageOrRunnable>(
+        new MessageOrRunnable(std::move(message), this, sentinel.get())));
 }
 
 bool Handler::sendEmptyMessageDelayed(int what, std::chrono::milliseconds delay) {
@@ -64,20 +67,26 @@ bool Handler::sendEmptyMessageDelayed(int what, std::chrono::milliseconds delay)
 
 bool Handler::sendMessageDelayed(std::unique_ptr<Message> message,
                                  std::chrono::milliseconds delay) {
-    return sendDelayed(std::make_unique<MessageOrRunnable>(std::move(message), this), delay);
+    return sendDelayed(std::unique_ptr<MessageOrRunnable>(
+                           new MessageOrRunnable(std::move(message), this, sentinel.get())),
+                       delay);
 }
 
 bool Handler::sendMessageAtFrontOfQueue(std::unique_ptr<Message> message) {
-    return !quitting.load() && looper->sendMessageOrRunnableToFront(
-                                   std::make_unique<MessageOrRunnable>(std::move(message), this));
+    return !quitting.load() &&
+           looper->sendMessageOrRunnableToFront(std::unique_ptr<MessageOrRunnable>(
+               new MessageOrRunnable(std::move(message), this, sentinel.get())));
 }
 
 bool Handler::post(std::function<void()> runnable) {
-    return send(std::make_unique<MessageOrRunnable>(std::move(runnable), this));
+    return send(std::unique_ptr<MessageOrRunnable>(
+        new MessageOrRunnable(std::move(runnable), this, sentinel.get())));
 }
 
 bool Handler::postDelayed(std::function<void()> runnable, std::chrono::milliseconds delay) {
-    return sendDelayed(std::make_unique<MessageOrRunnable>(std::move(runnable), this), delay);
+    return sendDelayed(std::unique_ptr<MessageOrRunnable>(
+                           new MessageOrRunnable(std::move(runnable), this, sentinel.get())),
+                       delay);
 }
 
 Handler::Matcher Handler::getMatcherForMsgsWithCodeWhat(int what) const {

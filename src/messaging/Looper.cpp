@@ -34,6 +34,8 @@ struct Looper::State {
     bool ended SH_GUARDED_BY(mutex) = false;
     unsigned long long passesStarted SH_GUARDED_BY(mutex) = 0;
     unsigned long long passesCompleted SH_GUARDED_BY(mutex) = 0;
+    // Sentinels of departed handlers, released at the end of the pass that may read them.
+    std::vector<std::shared_ptr<void>> retired SH_GUARDED_BY(mutex);
     std::thread worker;
     // Used by the worker thread only: kept across passes so that its storage is reused.
     std::deque<Entry> batch;
@@ -74,10 +76,12 @@ struct Looper::State {
     void finish(unsigned long long pass) {
         std::deque<Entry> discardedQueue;
         std::vector<std::unique_ptr<DelayedMessage>> discardedDelayed;
+        std::vector<std::shared_ptr<void>> released;
         {
             detail::MutexLock lock(mutex);
             discardedQueue.swap(queue);
             discardedDelayed.swap(delayed);
+            released.swap(retired);
             passesCompleted = pass;
             ended = true;
         }
@@ -117,9 +121,11 @@ void Looper::State::run() {
             finish(pass);
             return;
         }
+        std::vector<std::shared_ptr<void>> released;
         {
             detail::MutexLock lock(mutex);
             passesCompleted = pass;
+            released.swap(retired);
         }
         passDone.notify_all();
     }
@@ -213,6 +219,14 @@ void Looper::remove(const Predicate& predicate) {
         }
         delayed.erase(keepDelayed, delayed.end());
     }
+}
+
+void Looper::retire(std::shared_ptr<void> sentinel) {
+    detail::MutexLock lock(state->mutex);
+    if (!state->ended) {
+        state->retired.push_back(std::move(sentinel));
+    }
+    // Once ended, no pass can read it: it is released here, after the lock.
 }
 
 void Looper::flush() {

@@ -15,10 +15,22 @@ std::shared_ptr<std::atomic<bool>> sentinelOf(Handler* handler) {
 }  // namespace
 
 MessageOrRunnable::MessageOrRunnable(std::unique_ptr<Message> message, Handler* handler)
-    : impl{std::move(message), nullptr, handler, sentinelOf(handler), true} {}
+    : impl{std::move(message), nullptr, handler, sentinelOf(handler), nullptr, true} {
+    impl.sentinel = impl.validity.get();
+}
 
 MessageOrRunnable::MessageOrRunnable(std::function<void()> runnable, Handler* handler)
-    : impl{nullptr, std::move(runnable), handler, sentinelOf(handler), false} {}
+    : impl{nullptr, std::move(runnable), handler, sentinelOf(handler), nullptr, false} {
+    impl.sentinel = impl.validity.get();
+}
+
+MessageOrRunnable::MessageOrRunnable(std::unique_ptr<Message> message, Handler* handler,
+                                     std::atomic<bool>* borrowedSentinel)
+    : impl{std::move(message), nullptr, handler, nullptr, borrowedSentinel, true} {}
+
+MessageOrRunnable::MessageOrRunnable(std::function<void()> runnable, Handler* handler,
+                                     std::atomic<bool>* borrowedSentinel)
+    : impl{nullptr, std::move(runnable), handler, nullptr, borrowedSentinel, false} {}
 
 MessageOrRunnable::~MessageOrRunnable() = default;
 
@@ -39,7 +51,7 @@ bool MessageOrRunnable::isMsg() const {
 }
 
 bool MessageOrRunnable::isHandlerValid() const {
-    return impl.validity != nullptr && impl.validity->load();
+    return impl.sentinel != nullptr && impl.sentinel->load();
 }
 
 void MessageOrRunnable::run() {
