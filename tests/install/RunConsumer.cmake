@@ -20,5 +20,6 @@ foreach(mode OFF ON)
         -DCONSUMER_USE_PKGCONFIG=${mode}
         "-DCONSUMER_SANITIZE=${SANITIZE}")
     run(${CMAKE_COMMAND} --build ${build})
-    run(${build}/consumer)
+    # A shared build is found at run time through the scratch prefix.
+    run(${CMAKE_COMMAND} -E env "LD_LIBRARY_PATH=${prefix}/${LIBDIR}" ${build}/consumer)
 endforeach()
