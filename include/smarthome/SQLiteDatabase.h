@@ -4,7 +4,8 @@
 //
 // Ownership: owns the handle; must be owned by a std::shared_ptr (create()) before
 // beginTransaction(), because a Transaction holds a weak reference to it. Statements it
-// hands out do not keep it alive.
+// hands out do not keep it alive: destroy them before close(). A handle that SQLite refuses
+// to close because a statement is still alive is released once that statement is finalized.
 // Thread-safety: none; ThreadSafeSQLiteDatabase adds the lock.
 #pragma once
 
@@ -39,12 +40,13 @@ public:
         bool completed = false;
     };
 
-    static std::shared_ptr<SQLiteDatabase> create(const std::string& path);
-
     explicit SQLiteDatabase(const std::string& path);
     ~SQLiteDatabase();
     SQLiteDatabase(const SQLiteDatabase&) = delete;
     SQLiteDatabase& operator=(const SQLiteDatabase&) = delete;
+
+    // A new database owned by a shared pointer, as beginTransaction() needs.
+    static std::shared_ptr<SQLiteDatabase> create(const std::string& path);
 
     // Creates the file (mode 0777) and opens it; false when it exists or is open already.
     bool initialize();
@@ -69,8 +71,12 @@ private:
     bool endTransaction(const char* sql, const char* operation, const char* noTransactionFormat,
                         const char* queryFailedFormat);
 
+    struct Closer {
+        void operator()(sqlite3* db) const;
+    };
+
     const std::string path;
-    sqlite3* db = nullptr;
+    std::unique_ptr<sqlite3, Closer> db;
     bool transactionInProgress = false;
 };
 

@@ -3,8 +3,6 @@
 #include <sqlite3.h>
 #include <sys/stat.h>
 
-#include <new>
-
 #include "smarthome/FileIO.h"
 #include "smarthome/SQLiteUtils.h"
 #include "smarthome/SmartHomeLogger.h"
@@ -17,6 +15,12 @@ const SmartHomeLogger logger("SQLiteDatabase");
 
 }  // namespace
 
+void SQLiteDatabase::Closer::operator()(sqlite3* db) const {
+    // close_v2 never fails for a valid handle: with statements still alive it defers the
+    // release until the last of them is finalized.
+    sqlite3_close_v2(db);
+}
+
 std::shared_ptr<SQLiteDatabase> SQLiteDatabase::create(const std::string& path) {
     return std::make_shared<SQLiteDatabase>(path);
 }
@@ -24,7 +28,7 @@ std::shared_ptr<SQLiteDatabase> SQLiteDatabase::create(const std::string& path) 
 SQLiteDatabase::SQLiteDatabase(const std::string& path) : path(path) {}
 
 SQLiteDatabase::~SQLiteDatabase() {
-    if (db != nullptr) {
+    if (db) {
         logger.w("%s:reason=DB wasn't closed before destruction of SQLiteDatabase, file path=%s",
                  "~SQLiteDatabase", path.c_str());
         close();
@@ -37,7 +41,7 @@ SQLiteDatabase::~SQLiteDatabase() {
 }
 
 bool SQLiteDatabase::initialize() {
-    if (db != nullptr) {
+    if (db) {
         logger.d("%s:status=DatabaseAlreadyOpen", "initialize");
         return false;
     }
@@ -45,8 +49,8 @@ bool SQLiteDatabase::initialize() {
         logger.d("%s:status=FileAlreadyExists, filePath=%s", "initialize", path.c_str());
         return false;
     }
-    db = createSQLiteDatabase(path);
-    if (db == nullptr) {
+    db.reset(createSQLiteDatabase(path));
+    if (!db) {
         logger.e("%s:error=FailedToCreateDatabase, filePath=%s", "initialize", path.c_str());
         return false;
     }
@@ -55,7 +59,7 @@ bool SQLiteDatabase::initialize() {
 }
 
 bool SQLiteDatabase::open() {
-    if (db != nullptr) {
+    if (db) {
         logger.d("%s:status=DatabaseAlreadyOpen", "open");
         return false;
     }
@@ -63,8 +67,8 @@ bool SQLiteDatabase::open() {
         logger.d("%s:status=FileDoesNotExist, filePath=%s", "open", path.c_str());
         return false;
     }
-    db = openSQLiteDatabase(path);
-    if (db == nullptr) {
+    db.reset(openSQLiteDatabase(path));
+    if (!db) {
         logger.e("%s:status=FailedToOpenDatabase, filePath=%s", "open", path.c_str());
         return false;
     }
@@ -72,9 +76,17 @@ bool SQLiteDatabase::open() {
 }
 
 void SQLiteDatabase::close() {
-    if (db != nullptr) {
-        closeSQLiteDatabase(db);
-        db = nullptr;
+    if (!db) {
+        return;
+    }
+    // The handle is given up whatever the close answers. When SQLite refuses (a statement
+    // of a careless caller is still alive), the handle goes to close_v2 through the
+    // deleter instead of leaking: SQLite releases it, and rolls back what it still holds
+    // open, when that statement is finalized.
+    if (closeSQLiteDatabase(db.get())) {
+        db.release();
+    } else {
+        db.reset();
     }
 }
 
@@ -83,7 +95,7 @@ bool SQLiteDatabase::isDatabaseReady() const {
 }
 
 bool SQLiteDatabase::performQuery(const std::string& sql) {
-    if (!smarthome::performQuery(db, sql)) {
+    if (!smarthome::performQuery(db.get(), sql)) {
         // The text names the SQL without carrying it (the failing query is in the
         // SQLiteUtils line just before); kept as the log vocabulary.
         logger.d("%s:error=performQueryFailed, SQL string", "performQuery");
@@ -93,7 +105,7 @@ bool SQLiteDatabase::performQuery(const std::string& sql) {
 }
 
 bool SQLiteDatabase::getTableNames(std::vector<std::string>& names) {
-    if (!smarthome::getTableNames(db, names)) {
+    if (!smarthome::getTableNames(db.get(), names)) {
         logger.e("%s:reason=QueryFailedErrorInChecking", "getTableNames");
         return false;
     }
@@ -101,7 +113,7 @@ bool SQLiteDatabase::getTableNames(std::vector<std::string>& names) {
 }
 
 bool SQLiteDatabase::tableExists(const std::string& table) {
-    if (!smarthome::tableExists(db, table)) {
+    if (!smarthome::tableExists(db.get(), table)) {
         logger.d("%s:reason=tableDoesn'tExist or ErrorInChecking, table=%s", "tableExists",
                  table.c_str());
         return false;
@@ -110,7 +122,7 @@ bool SQLiteDatabase::tableExists(const std::string& table) {
 }
 
 bool SQLiteDatabase::columnExists(const std::string& table, const std::string& column) {
-    if (!smarthome::columnExists(db, table, column)) {
+    if (!smarthome::columnExists(db.get(), table, column)) {
         logger.d("%s:reason=columnDoesn'tExist or ErrorInChecking, table=%s, column=%s",
                  "columnExists", table.c_str(), column.c_str());
         return false;
@@ -119,7 +131,7 @@ bool SQLiteDatabase::columnExists(const std::string& table, const std::string& c
 }
 
 bool SQLiteDatabase::clearTable(const std::string& table) {
-    if (!smarthome::clearTable(db, table)) {
+    if (!smarthome::clearTable(db.get(), table)) {
         logger.e("%s:error=FailedToClearTable, table=%s", "clearTable", table.c_str());
         return false;
     }
@@ -144,7 +156,7 @@ bool SQLiteDatabase::tableEmpty(const std::string& table) {
 }
 
 std::unique_ptr<SQLiteStatement> SQLiteDatabase::createStatement(const std::string& sql) {
-    auto statement = std::make_unique<SQLiteStatement>(db, sql);
+    auto statement = std::make_unique<SQLiteStatement>(db.get(), sql);
     if (!statement->isValid()) {
         logger.e("%s:error=createStatementFailed, sqlString=%s", "createStatement", sql.c_str());
         return nullptr;

@@ -3,6 +3,7 @@
 #include "smarthome/SmartHomeLogger.h"
 #include "smarthome/StringUtils.h"
 #include "smarthome/SynchronizedHashMap.h"
+#include "utils/Mutex.h"
 
 namespace smarthome {
 
@@ -19,16 +20,30 @@ Registry& registry() {
     return *instances;
 }
 
-std::mutex& registryMutex() {
-    static std::mutex* mutex = new std::mutex();
+// Makes the lookup and the insert of getInstance one critical section, so that two first
+// calls for a path cannot build two instances.
+detail::Mutex& registryMutex() {
+    static detail::Mutex* mutex = new detail::Mutex();
     return *mutex;
+}
+
+// The body of the whole-call operations: the inner database's answer under the mutex.
+template <typename Call>
+bool forwardLocked(std::mutex& mutex, const std::shared_ptr<SQLiteDatabase>& database,
+                   const char* operation, Call call) {
+    std::lock_guard<std::mutex> lock(mutex);
+    if (!database) {
+        logger.e("%s:reason=DatabaseIsNull", operation);
+        return false;
+    }
+    return call(*database);
 }
 
 }  // namespace
 
 std::shared_ptr<ThreadSafeSQLiteDatabase> ThreadSafeSQLiteDatabase::getInstance(
     const std::string& path) {
-    std::lock_guard<std::mutex> lock(registryMutex());
+    detail::MutexLock lock(registryMutex());
     auto found = registry().find(path);
     if (found.first) {
         logger.d("%s:InstanceFound, storageFilePath=%s", "getInstance", path.c_str());
@@ -53,47 +68,45 @@ ThreadSafeSQLiteDatabase::~ThreadSafeSQLiteDatabase() {
     }
 }
 
-#define SMARTHOME_LOCKED_FORWARD(operation, call)        \
-    std::lock_guard<std::mutex> lock(mutex);             \
-    if (!database) {                                     \
-        logger.e("%s:reason=DatabaseIsNull", operation); \
-        return false;                                    \
-    }                                                    \
-    return database->call;
-
 bool ThreadSafeSQLiteDatabase::initialize() {
-    SMARTHOME_LOCKED_FORWARD("initialize", initialize())
+    return forwardLocked(mutex, database, "initialize",
+                         [&](SQLiteDatabase& inner) { return inner.initialize(); });
 }
 
 bool ThreadSafeSQLiteDatabase::open() {
-    SMARTHOME_LOCKED_FORWARD("open", open())
+    return forwardLocked(mutex, database, "open",
+                         [&](SQLiteDatabase& inner) { return inner.open(); });
 }
 
 bool ThreadSafeSQLiteDatabase::performQuery(const std::string& sql) {
-    SMARTHOME_LOCKED_FORWARD("performQuery", performQuery(sql))
+    return forwardLocked(mutex, database, "performQuery",
+                         [&](SQLiteDatabase& inner) { return inner.performQuery(sql); });
 }
 
 bool ThreadSafeSQLiteDatabase::getTableNames(std::vector<std::string>& names) {
-    SMARTHOME_LOCKED_FORWARD("getTableNames", getTableNames(names))
+    return forwardLocked(mutex, database, "getTableNames",
+                         [&](SQLiteDatabase& inner) { return inner.getTableNames(names); });
 }
 
 bool ThreadSafeSQLiteDatabase::tableExists(const std::string& table) {
-    SMARTHOME_LOCKED_FORWARD("tableExists", tableExists(table))
+    return forwardLocked(mutex, database, "tableExists",
+                         [&](SQLiteDatabase& inner) { return inner.tableExists(table); });
 }
 
 bool ThreadSafeSQLiteDatabase::columnExists(const std::string& table, const std::string& column) {
-    SMARTHOME_LOCKED_FORWARD("columnExists", columnExists(table, column))
+    return forwardLocked(mutex, database, "columnExists",
+                         [&](SQLiteDatabase& inner) { return inner.columnExists(table, column); });
 }
 
 bool ThreadSafeSQLiteDatabase::clearTable(const std::string& table) {
-    SMARTHOME_LOCKED_FORWARD("clearTable", clearTable(table))
+    return forwardLocked(mutex, database, "clearTable",
+                         [&](SQLiteDatabase& inner) { return inner.clearTable(table); });
 }
 
 bool ThreadSafeSQLiteDatabase::isDatabaseReady() {
-    SMARTHOME_LOCKED_FORWARD("isDatabaseReady", isDatabaseReady())
+    return forwardLocked(mutex, database, "isDatabaseReady",
+                         [&](SQLiteDatabase& inner) { return inner.isDatabaseReady(); });
 }
-
-#undef SMARTHOME_LOCKED_FORWARD
 
 void ThreadSafeSQLiteDatabase::close() {
     std::lock_guard<std::mutex> lock(mutex);

@@ -5,10 +5,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <climits>
 #include <string>
 #include <vector>
 
+#include "smarthome/FileIO.h"
 #include "smarthome/SQLiteUtils.h"
+#include "storage/StorageTestSupport.h"
 #include "support/TestSupport.h"
 
 namespace smarthome {
@@ -76,6 +79,9 @@ TEST_F(SQLiteDatabaseTest, StatementsBindStepAndReadColumns) {
         EXPECT_EQ(insertStatement->getStepResult(), 101);
         ASSERT_TRUE(insertStatement->reset());
     }
+    ASSERT_TRUE(insertStatement->bindIntParameter(1, 8));
+    ASSERT_TRUE(insertStatement->bindStringParameter(2, std::string("cut\0off", 7)));
+    ASSERT_TRUE(insertStatement->step());
     ASSERT_TRUE(database->performQuery("INSERT INTO t VALUES (9, NULL);"));
     auto select = database->createStatement("SELECT id, name FROM t ORDER BY id;");
     ASSERT_TRUE(select);
@@ -85,7 +91,7 @@ TEST_F(SQLiteDatabaseTest, StatementsBindStepAndReadColumns) {
     while (select->step() && select->getStepResult() == 100) {
         names.push_back(select->getColumnText(1));
     }
-    EXPECT_EQ(names, (std::vector<std::string>{"name0", "name1", "name2", ""}));
+    EXPECT_EQ(names, (std::vector<std::string>{"name0", "name1", "name2", "cut", ""}));
     EXPECT_EQ(select->getColumnInt64(0), 0);  // after the end: SQLite's neutral value
 }
 
@@ -220,24 +226,195 @@ TEST_F(SQLiteDatabaseTest, TableQueriesAndTheirMisses) {
                          "performQuery:error=performQueryFailed, SQL string"}));
 }
 
-TEST(SQLiteDatabaseFiles, NonDatabaseFilesAndLongPathsFailCleanly) {
+TEST_F(SQLiteDatabaseTest, FailedStepsAndResetsReportSQLitesCode) {
+    ASSERT_TRUE(database->performQuery("CREATE TABLE u (id INTEGER PRIMARY KEY);"));
+    ASSERT_TRUE(database->performQuery("INSERT INTO u VALUES (1);"));
+    capture.clear();
+    auto statement = database->createStatement("INSERT INTO u VALUES (?);");
+    ASSERT_TRUE(statement);
+    ASSERT_TRUE(statement->bindIntParameter(1, 1));
+    EXPECT_FALSE(statement->step());
+    EXPECT_EQ(statement->getStepResult(), 19);  // SQLITE_CONSTRAINT
+    EXPECT_FALSE(statement->reset());           // reset reports the failed step again
+    ASSERT_TRUE(statement->bindIntParameter(1, 2));
+    EXPECT_TRUE(statement->step());
+    EXPECT_TRUE(statement->reset());
+    EXPECT_EQ(capture.texts(ANDROID_LOG_ERROR, kStatementTag),
+              (std::vector<std::string>{
+                  "step:error=stepFailed, reason=Executing the select did not generate a row or "
+                  "completeresult=19",
+                  "reset:error=stepFailed, reason=Could not reset the prepared statement, "
+                  "rcode=19"}));
+}
+
+// An invalid statement is safe to use: SQLite's own answer (or a neutral value) comes back.
+TEST_F(SQLiteDatabaseTest, AnInvalidStatementAnswersWithoutCrashing) {
+    SQLiteStatement invalid(nullptr, "SELECT 1;");
+    capture.clear();
+    EXPECT_EQ(invalid.getColumnCount(), 0);
+    EXPECT_EQ(invalid.getColumnName(0), "");
+    EXPECT_EQ(invalid.getColumnText(0), "");
+    EXPECT_EQ(invalid.getColumnInt(0), 0);
+    EXPECT_EQ(invalid.getColumnInt64(3), 0);
+    EXPECT_TRUE(invalid.reset());
+    EXPECT_FALSE(invalid.bindIntParameter(1, 1));
+    EXPECT_FALSE(invalid.bindStringParameter(1, "x"));
+    EXPECT_EQ(
+        capture.texts(ANDROID_LOG_ERROR, kStatementTag),
+        (std::vector<std::string>{"bindIntParameter:error=bindIntParameterFailed, rcode=21",
+                                  "bindStringParameter:error=bindInt64ParameterFailed, rcode=21"}));
+    auto empty = database->createStatement("  -- nothing to run");
+    EXPECT_EQ(empty, nullptr);
+}
+
+// A failed COMMIT keeps the database's transaction open while the Transaction object counts
+// as completed: only a rollback through the database ends it.
+TEST_F(SQLiteDatabaseTest, AFailedCommitLeavesTheTransactionToRollBack) {
+    ASSERT_TRUE(database->performQuery(
+        "PRAGMA foreign_keys = ON; CREATE TABLE parent (id INTEGER PRIMARY KEY);"
+        "CREATE TABLE child (parent INTEGER REFERENCES parent(id) DEFERRABLE INITIALLY "
+        "DEFERRED);"));
+    capture.clear();
+    auto transaction = database->beginTransaction();
+    ASSERT_TRUE(transaction);
+    ASSERT_TRUE(database->performQuery("INSERT INTO child VALUES (42);"));
+    insert(5);
+    EXPECT_FALSE(transaction->commit());
+    EXPECT_FALSE(transaction->commit());
+    EXPECT_EQ(database->beginTransaction(), nullptr);
+    EXPECT_TRUE(database->rollbackTransaction());
+    EXPECT_EQ(count(), 0);
+    transaction.reset();  // completed: no rollback line
+    EXPECT_EQ(capture.texts(ANDROID_LOG_ERROR, kDatabaseTag),
+              (std::vector<std::string>{
+                  "commitTransaction:error=commitTransactionFailed, reason=QueryFailed",
+                  "commit:error=commitFailed, reason=TransactionAlreadyCompleted",
+                  "beginTransaction:error=beginTransactionFailed, "
+                  "reason=OneTransactionAlreadyinProgress"}));
+    auto utils = capture.texts(ANDROID_LOG_ERROR, "SmartHome:SQLiteUtils");
+    ASSERT_EQ(utils.size(), 1u);
+    EXPECT_EQ(utils[0],
+              "performQuery:error=performQueryFailed, query=COMMIT TRANSACTION;, rcode=19, "
+              "errorMessage=FOREIGN KEY constraint failed");
+}
+
+// A statement still alive when its database is closed: the close is refused and logged,
+// the statement keeps working, and its finalization releases the connection and its
+// uncommitted work, so that another process can write the file afterwards.
+TEST_F(SQLiteDatabaseTest, AStatementOutlivingCloseReleasesTheConnectionWhenFinalized) {
+    auto transaction = database->beginTransaction();
+    insert(1);
+    auto statement = database->createStatement("SELECT count(*) FROM t;");
+    ASSERT_TRUE(transaction && statement);
+    database->close();
+    EXPECT_FALSE(database->isDatabaseReady());
+    EXPECT_EQ(capture.texts(ANDROID_LOG_ERROR, "SmartHome:SQLiteUtils"),
+              std::vector<std::string>{
+                  "closeSQLiteDatabase:error=closeSQLiteDatabaseFailed, rcode=5, "
+                  "errorMessage=unable to close due to unfinalized statements or unfinished "
+                  "backups"});
+    ASSERT_TRUE(statement->step());
+    EXPECT_EQ(statement->getColumnInt(0), 1);
+    statement.reset();
+    EXPECT_FALSE(transaction->commit());  // no handle any more
+    EXPECT_EQ(test::sqliteShell(dir.file("test.db"),
+                                "INSERT INTO t VALUES (2, 'shell'); SELECT count(*) FROM t;"),
+              "1\n");
+}
+
+TEST_F(SQLiteDatabaseTest, DestroyedOpenDatabaseWarnsAndCloses) {
+    database.reset();
+    EXPECT_EQ(capture.texts(ANDROID_LOG_WARN, kDatabaseTag),
+              std::vector<std::string>{"~SQLiteDatabase:reason=DB wasn't closed before "
+                                       "destruction of SQLiteDatabase, file path=" +
+                                       dir.file("test.db")});
+    EXPECT_EQ(test::sqliteShell(dir.file("test.db"), "SELECT count(*) FROM t;"), "0\n");
+    database = SQLiteDatabase::create(dir.file("test.db"));
+}
+
+TEST(SQLiteDatabaseFiles, ANonDatabaseFileOpensButEveryQueryFails) {
     test::TempDir dir;
     test::LogCapture capture;
-    ASSERT_TRUE(test::writeFile(dir.file("text.db"), std::string(4096, 'x')));
-    auto database = SQLiteDatabase::create(dir.file("text.db"));
-    if (database->open()) {
-        EXPECT_FALSE(database->tableExists("t"));
-        EXPECT_FALSE(database->performQuery("CREATE TABLE t (a);"));
-        database->close();
+    const std::string path = dir.file("text.db");
+    const std::string text(4096, 'x');
+    ASSERT_TRUE(test::writeFile(path, text));
+    auto database = SQLiteDatabase::create(path);
+    ASSERT_TRUE(database->open());  // SQLite reads the header only when first used
+    EXPECT_FALSE(database->tableExists("t"));
+    EXPECT_FALSE(database->performQuery("CREATE TABLE t (a);"));
+    std::vector<std::string> names;
+    EXPECT_FALSE(database->getTableNames(names));
+    database->close();
+    EXPECT_EQ(capture.texts(ANDROID_LOG_ERROR, "SmartHome:SQLiteUtils"),
+              (std::vector<std::string>{
+                  "tableExists:error=tableExistsFailed, reason=Couldn'tCreateStatement",
+                  "performQuery:error=performQueryFailed, query=CREATE TABLE t (a);, rcode=26, "
+                  "errorMessage=file is not a database",
+                  "getTableNames:error=tableExistsFailed, reason=Couldn'tCreateStatement"}));
+    const std::string notADatabase =
+        "SQLiteStatement:error=constructorFailed, reason=Could not create prepared statement, "
+        "rcode=26errorMessage=file is not a database";
+    EXPECT_EQ(capture.texts(ANDROID_LOG_ERROR, kStatementTag),
+              (std::vector<std::string>{notADatabase, notADatabase}));
+    EXPECT_EQ(capture.texts(ANDROID_LOG_ERROR, kDatabaseTag),
+              std::vector<std::string>{"getTableNames:reason=QueryFailedErrorInChecking"});
+    std::vector<unsigned char> after;
+    ASSERT_TRUE(FileIO::readFile(path, after));
+    EXPECT_EQ(std::string(after.begin(), after.end()), text);  // left untouched
+}
+
+// The log keeps the first 1023 bytes of a line: a line naming a long path ends early.
+::testing::AssertionResult isLogLineOf(const std::string& line, const std::string& full) {
+    if (!line.empty() && full.compare(0, line.size(), line) == 0) {
+        return ::testing::AssertionSuccess();
     }
-    auto longPath = SQLiteDatabase::create(dir.path() + "/" + std::string(5000, 'p') + ".db");
-    EXPECT_FALSE(longPath->initialize());
-    EXPECT_FALSE(longPath->open());
-    SQLiteDatabase closed(dir.file("none.db"));
-    EXPECT_FALSE(closed.performQuery("SELECT 1;"));
-    EXPECT_FALSE(closed.tableExists("t"));
-    EXPECT_EQ(closed.createStatement("SELECT 1;"), nullptr);
-    EXPECT_EQ(closed.beginTransaction(), nullptr);
+    return ::testing::AssertionFailure() << "\"" << line << "\" does not begin \"" << full << "\"";
+}
+
+TEST(SQLiteDatabaseFiles, PathsLongerThanPathMaxFailCleanly) {
+    test::TempDir dir;
+    test::LogCapture capture;
+    const std::string path = dir.path() + "/" + std::string(PATH_MAX + 10, 'p') + ".db";
+    auto database = SQLiteDatabase::create(path);
+    EXPECT_FALSE(database->initialize());
+    EXPECT_FALSE(database->open());
+    EXPECT_FALSE(database->isDatabaseReady());
+    auto errors = capture.texts(ANDROID_LOG_ERROR, kDatabaseTag);
+    ASSERT_EQ(errors.size(), 1u);
+    EXPECT_TRUE(
+        isLogLineOf(errors[0], "initialize:error=FailedToCreateDatabase, filePath=" + path));
+    auto debug = capture.texts(ANDROID_LOG_DEBUG, kDatabaseTag);
+    ASSERT_EQ(debug.size(), 1u);
+    EXPECT_TRUE(isLogLineOf(debug[0], "open:status=FileDoesNotExist, filePath=" + path));
+    auto utils = capture.texts(ANDROID_LOG_ERROR, "SmartHome:SQLiteUtils");
+    ASSERT_EQ(utils.size(), 2u);
+    EXPECT_TRUE(isLogLineOf(utils[0],
+                            "openSQLiteDatabaseHelper:error=openSQLiteDatabaseHelperFailed, "
+                            "reason=CouldNotOpenDatabase, rcode=14, filePath=" +
+                                path + "errorMessage=unable to open database file"));
+    EXPECT_EQ(utils[1],
+              "createSQLiteDatabase:error=createSQLiteDatabaseFailed, "
+              "reason=Couldn'tCreateDatabase.");
+}
+
+TEST(SQLiteDatabaseFiles, AClosedDatabaseRefusesWorkWithItsLines) {
+    test::TempDir dir;
+    test::LogCapture capture;
+    auto closed = SQLiteDatabase::create(dir.file("none.db"));
+    EXPECT_FALSE(closed->performQuery("SELECT 1;"));
+    EXPECT_FALSE(closed->tableExists("t"));
+    EXPECT_EQ(closed->createStatement("SELECT 1;"), nullptr);
+    EXPECT_EQ(closed->beginTransaction(), nullptr);
+    EXPECT_EQ(capture.texts(ANDROID_LOG_ERROR, kDatabaseTag),
+              (std::vector<std::string>{
+                  "createStatement:error=createStatementFailed, sqlString=SELECT 1;",
+                  "beginTransaction:error=beginTransactionFailed, reason=QueryFailed"}));
+    EXPECT_EQ(capture.texts(ANDROID_LOG_DEBUG, kDatabaseTag),
+              (std::vector<std::string>{
+                  "performQuery:error=performQueryFailed, SQL string",
+                  "tableExists:reason=tableDoesn'tExist or ErrorInChecking, table=t",
+                  "performQuery:error=performQueryFailed, SQL string"}));
+    EXPECT_FALSE(FileIO::fileExists(dir.file("none.db")));
 }
 
 TEST(SQLiteDatabaseFiles, AReadOnlyDirectoryRefusesANewDatabase) {

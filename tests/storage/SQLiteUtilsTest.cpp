@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "smarthome/DatabaseUtility.h"
+#include "smarthome/FileIO.h"
 #include "smarthome/SQLiteDatabase.h"
 #include "support/TestSupport.h"
 
@@ -121,28 +122,97 @@ TEST_F(SQLiteUtilsQueries, NullHandlesFailWithTheirOwnTexts) {
                   "performQuery:error=performQueryFailed, reason=NullptrDbHandle"}));
 }
 
+// Names are pasted into the SQL unquoted: a name SQLite cannot parse fails at preparation
+// with each function's own text; a missing table is a plain "no".
+TEST_F(SQLiteUtilsQueries, TableAndColumnQueriesOnMissingAndUnparsableNames) {
+    sqlite3* db = nullptr;
+    ASSERT_EQ(sqlite3_open_v2(dir.file("q.db").c_str(), &db, SQLITE_OPEN_READWRITE, nullptr),
+              SQLITE_OK);
+    EXPECT_TRUE(tableExists(db, "t"));
+    EXPECT_FALSE(tableExists(db, "T"));
+    EXPECT_TRUE(columnExists(db, "t", "v"));
+    EXPECT_FALSE(columnExists(db, "t", "V"));
+    EXPECT_FALSE(columnExists(db, "missing", "v"));
+    EXPECT_TRUE(dropTable(db, "missing"));
+    EXPECT_TRUE(performQuery(db, "CREATE TABLE gone (a);"));
+    EXPECT_TRUE(dropTable(db, "gone"));
+    EXPECT_FALSE(tableExists(db, "gone"));
+    EXPECT_TRUE(capture.texts(ANDROID_LOG_ERROR, kTag).empty());
+
+    EXPECT_FALSE(tableExists(db, "it's"));
+    EXPECT_FALSE(columnExists(db, "t t", "v"));
+    EXPECT_FALSE(clearTable(db, "missing"));
+    EXPECT_FALSE(dropTable(db, "a b"));
+    EXPECT_FALSE(performQuery(db, "NOT SQL"));
+    EXPECT_EQ(capture.texts(ANDROID_LOG_ERROR, kTag),
+              (std::vector<std::string>{
+                  "tableExists:error=tableExistsFailed, reason=Couldn'tCreateStatement",
+                  "columnExists:error=columnExistsFailed, reason=Couldn'tCreateStatement",
+                  "clearTable:error=clearTableFailed, reason=Couldn'tCreateStatement",
+                  "dropTable:error=dropTableFailed, reason=Couldn'tCreateStatement",
+                  "performQuery:error=performQueryFailed, query=NOT SQL, rcode=1, "
+                  "errorMessage=near \"NOT\": syntax error"}));
+    EXPECT_TRUE(closeSQLiteDatabase(db));
+}
+
+TEST_F(SQLiteUtilsQueries, TableNamesAreAppendedAndLoggedColumnByColumn) {
+    ASSERT_TRUE(database->performQuery("CREATE TABLE u (a); CREATE INDEX ix ON u (a);"));
+    capture.clear();
+    std::vector<std::string> names{"earlier"};
+    sqlite3* db = openSQLiteDatabase(dir.file("q.db"));
+    ASSERT_NE(db, nullptr);
+    EXPECT_TRUE(getTableNames(db, names));
+    EXPECT_EQ(names, (std::vector<std::string>{"earlier", "t", "u"}));  // no index
+    EXPECT_EQ(capture.texts(ANDROID_LOG_DEBUG, kTag),
+              (std::vector<std::string>{"getTableNames:colName=name, colValue=t",
+                                        "getTableNames:colName=name, colValue=u"}));
+    EXPECT_TRUE(closeSQLiteDatabase(db));
+}
+
 TEST(DatabaseUtility, CapabilityDatabasePathIsCreatedUnderTheSecuredStorage) {
     test::TempDir dir;
     test::LogCapture capture;
     const std::string base = dir.file("secured");
     setenv("SMARTHOME_SECURED_STORAGE_DIR", base.c_str(), 1);
+    const mode_t previousMask = umask(0);  // so that the modes asked for are the modes seen
     EXPECT_EQ(DatabaseUtility::getCapInstanceDatabasePath("zigbee"),
               base + "/SmartHome/zigbee/CapabilityInstanceDatabase.db");
-    struct stat info {};
-    ASSERT_EQ(stat((base + "/SmartHome/zigbee").c_str(), &info), 0);
-    EXPECT_TRUE(S_ISDIR(info.st_mode));
+    umask(previousMask);
+    for (const std::string& created : {base, base + "/SmartHome", base + "/SmartHome/zigbee"}) {
+        struct stat info {};
+        ASSERT_EQ(stat(created.c_str(), &info), 0) << created;
+        EXPECT_TRUE(S_ISDIR(info.st_mode));
+        EXPECT_EQ(info.st_mode & 07777, 0771u) << created;
+    }
+    EXPECT_FALSE(FileIO::fileExists(base + "/SmartHome/zigbee/CapabilityInstanceDatabase.db"));
     EXPECT_EQ(DatabaseUtility::getCapInstanceDatabasePath("zigbee"),
               base + "/SmartHome/zigbee/CapabilityInstanceDatabase.db");
+    EXPECT_EQ(DatabaseUtility::getCapInstanceDatabasePath("ble"),
+              base + "/SmartHome/ble/CapabilityInstanceDatabase.db");
+    EXPECT_TRUE(capture.texts(ANDROID_LOG_ERROR, "SmartHome:DatabaseUtility").empty());
+    unsetenv("SMARTHOME_SECURED_STORAGE_DIR");
+}
+
+TEST(DatabaseUtility, DirectoriesThatCannotBeCreatedGiveAnEmptyPath) {
+    test::TempDir dir;
+    test::LogCapture capture;
     ASSERT_TRUE(test::writeFile(dir.file("file"), "not a directory"));
     setenv("SMARTHOME_SECURED_STORAGE_DIR", dir.file("file/sub").c_str(), 1);
-    capture.clear();
     EXPECT_EQ(DatabaseUtility::getCapInstanceDatabasePath("x"), "");
+    // A plain file named SmartHome passes the existence test; its sub-directory fails.
+    ASSERT_EQ(mkdir(dir.file("base").c_str(), 0700), 0);
+    ASSERT_TRUE(test::writeFile(dir.file("base/SmartHome"), "not a directory"));
+    setenv("SMARTHOME_SECURED_STORAGE_DIR", dir.file("base").c_str(), 1);
+    EXPECT_EQ(DatabaseUtility::getCapInstanceDatabasePath("x"), "");
+    unsetenv("SMARTHOME_SECURED_STORAGE_DIR");
     EXPECT_EQ(capture.texts(ANDROID_LOG_ERROR, "SmartHome:DatabaseUtility"),
-              std::vector<std::string>{
+              (std::vector<std::string>{
                   "getCapInstanceDatabasePath:event=dataSecuredStorageDirDoesNotExist,"
                   "action=cannotCreateDatabase,dir=" +
-                  dir.file("file/sub")});
-    unsetenv("SMARTHOME_SECURED_STORAGE_DIR");
+                      dir.file("file/sub"),
+                  "getCapInstanceDatabasePath:event=cannotCreateDirectory,"
+                  "action=cannotCreateDatabase,dirPath=" +
+                      dir.file("base/SmartHome/x")}));
 }
 
 }  // namespace

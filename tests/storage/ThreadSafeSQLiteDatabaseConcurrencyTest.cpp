@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
@@ -25,11 +26,22 @@ TEST(ThreadSafeSQLiteDatabaseConcurrency, EightWritersAndAReaderOnOnePath) {
     constexpr int kWriters = 8;
     constexpr int kRows = 10000;
     std::atomic<int> failures{0};
+    std::atomic<int> waiting{kWriters + 1};
     std::atomic<bool> writing{true};
+    auto startTogether = [&waiting] {
+        --waiting;
+        while (waiting.load() > 0) {
+            std::this_thread::yield();
+        }
+    };
     std::vector<std::thread> threads;
     for (int w = 0; w < kWriters; ++w) {
         threads.emplace_back([&, w] {
             auto database = ThreadSafeSQLiteDatabase::getInstance(path);
+            if (database != setup) {
+                ++failures;
+            }
+            startTogether();
             database->lock();
             auto transaction = database->beginTransaction();
             auto statement = database->createStatement("INSERT INTO rows VALUES (?, ?);");
@@ -52,6 +64,7 @@ TEST(ThreadSafeSQLiteDatabaseConcurrency, EightWritersAndAReaderOnOnePath) {
     }
     std::thread reader([&] {
         auto database = ThreadSafeSQLiteDatabase::getInstance(path);
+        startTogether();
         while (writing) {
             std::vector<std::string> names;
             if (!database->tableExists("rows") || !database->getTableNames(names)) {
@@ -79,6 +92,41 @@ TEST(ThreadSafeSQLiteDatabaseConcurrency, EightWritersAndAReaderOnOnePath) {
         EXPECT_EQ(line.find("rcode=5"), std::string::npos) << line;  // SQLITE_BUSY
     }
     database->close();
+}
+
+// First calls for the same paths racing on several threads all get one instance per path.
+TEST(ThreadSafeSQLiteDatabaseConcurrency, RacingFirstCallsShareOneInstancePerPath) {
+    test::TempDir dir;
+    test::LogCapture capture;
+    constexpr int kThreads = 8;
+    constexpr int kPaths = 200;
+    std::vector<std::vector<std::shared_ptr<ThreadSafeSQLiteDatabase>>> seen(
+        kThreads, std::vector<std::shared_ptr<ThreadSafeSQLiteDatabase>>(kPaths));
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kThreads; ++t) {
+        threads.emplace_back([&, t] {
+            for (int p = 0; p < kPaths; ++p) {
+                // Each thread walks the paths from a different start.
+                int index = (p + t * kPaths / kThreads) % kPaths;
+                seen[t][index] =
+                    ThreadSafeSQLiteDatabase::getInstance(dir.file(std::to_string(index)));
+            }
+        });
+    }
+    for (auto& thread : threads) {
+        thread.join();
+    }
+    for (int p = 0; p < kPaths; ++p) {
+        for (int t = 0; t < kThreads; ++t) {
+            ASSERT_TRUE(seen[t][p]);
+            EXPECT_EQ(seen[t][p], seen[0][p]) << "path " << p << ", thread " << t;
+        }
+    }
+    int created = 0;
+    for (const auto& line : capture.texts()) {
+        created += line.rfind("getInstance:InstanceNotFound", 0) == 0 ? 1 : 0;
+    }
+    EXPECT_EQ(created, kPaths);
 }
 
 }  // namespace

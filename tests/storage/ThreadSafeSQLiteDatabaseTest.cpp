@@ -3,12 +3,15 @@
 #include <android/log.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <string>
 #include <vector>
 
+#include "smarthome/FileIO.h"
+#include "smarthome/SQLiteUtils.h"
 #include "smarthome/SynchronizedHashMap.h"
 #include "storage/StorageTestSupport.h"
 #include "support/TestSupport.h"
@@ -102,7 +105,7 @@ TEST(ThreadSafeSQLiteDatabase, KilledProcessesLeaveOnlyCommittedRows) {
     {
         SQLiteDatabase setup(path);
         ASSERT_TRUE(setup.initialize());
-        ASSERT_TRUE(setup.performQuery("CREATE TABLE t (id INTEGER);"));
+        ASSERT_TRUE(setup.performQuery("CREATE TABLE t (id INTEGER, payload BLOB);"));
         setup.close();
     }
     for (bool commit : {false, true}) {
@@ -111,13 +114,21 @@ TEST(ThreadSafeSQLiteDatabase, KilledProcessesLeaveOnlyCommittedRows) {
         pid_t child = fork();
         ASSERT_GE(child, 0);
         if (child == 0) {
-            auto database = SQLiteDatabase::create(path);
+            // No test assertions here: the child only reports through the pipe.
+            close(ready[0]);
+            auto database = ThreadSafeSQLiteDatabase::getInstance(path);
             bool ok = database->open();
+            database->lock();
             auto transaction = database->beginTransaction();
-            for (int i = 0; ok && transaction && i < 1000; ++i) {
-                ok = database->performQuery("INSERT INTO t VALUES (" + std::to_string(i) + ");");
+            // About 4 MB: more than the page cache holds, so the uncommitted transaction
+            // has already written into the file and only its journal can undo that.
+            auto insert = database->createStatement("INSERT INTO t VALUES (?, randomblob(4000));");
+            ok = ok && transaction && insert;
+            for (int i = 0; ok && i < 1000; ++i) {
+                ok = insert->bindIntParameter(1, i) && insert->step() && insert->reset();
             }
             if (ok && commit) {
+                insert.reset();
                 ok = transaction->commit();
             }
             char status = ok ? '1' : '0';
@@ -127,13 +138,30 @@ TEST(ThreadSafeSQLiteDatabase, KilledProcessesLeaveOnlyCommittedRows) {
         }
         close(ready[1]);
         char status = 0;
-        ASSERT_EQ(read(ready[0], &status, 1), 1);
+        ssize_t got = read(ready[0], &status, 1);
         close(ready[0]);
-        ASSERT_EQ(status, '1');
         kill(child, SIGKILL);
         int waited = 0;
-        waitpid(child, &waited, 0);
-        EXPECT_EQ(test::sqliteShell(path, "SELECT count(*) FROM t;"), commit ? "1000\n" : "0\n");
+        ASSERT_EQ(waitpid(child, &waited, 0), child);
+        ASSERT_TRUE(WIFSIGNALED(waited) && WTERMSIG(waited) == SIGKILL);
+        ASSERT_EQ(got, 1);
+        ASSERT_EQ(status, '1');
+
+        EXPECT_EQ(FileIO::fileExists(path + "-journal"), !commit);
+        struct stat info {};
+        ASSERT_EQ(stat(path.c_str(), &info), 0);
+        EXPECT_GT(info.st_size, 1 << 20);  // rows reached the file in both cases
+
+        // Reopened through the library (which rolls back what the dead process left in
+        // its journal) and read again by the shell.
+        SQLiteDatabase reopened(path);
+        ASSERT_TRUE(reopened.open());
+        int rows = -1;
+        EXPECT_TRUE(getNumberTableRows(&reopened, "t", &rows));
+        EXPECT_EQ(rows, commit ? 1000 : 0) << (commit ? "committed" : "uncommitted");
+        reopened.close();
+        EXPECT_EQ(test::sqliteShell(path, "PRAGMA integrity_check; SELECT count(*) FROM t;"),
+                  commit ? "ok\n1000\n" : "ok\n0\n");
     }
 }
 
