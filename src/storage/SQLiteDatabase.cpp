@@ -84,7 +84,8 @@ void SQLiteDatabase::close() {
     // deleter instead of leaking: SQLite releases it, and rolls back what it still holds
     // open, when that statement is finalized.
     if (closeSQLiteDatabase(db.get())) {
-        db.release();
+        // Closed: the handle is gone, so the owner only forgets it.
+        static_cast<void>(db.release());
     } else {
         db.reset();
     }
