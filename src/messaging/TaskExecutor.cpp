@@ -1,7 +1,9 @@
 #include "smarthome/TaskExecutor.h"
 
 #include <condition_variable>
+#include <cstddef>
 #include <deque>
+#include <iterator>
 #include <optional>
 #include <queue>
 #include <thread>
@@ -25,6 +27,7 @@ using Clock = std::chrono::steady_clock;
 
 // How long a draining job waits for new immediate work before it gives its worker back.
 constexpr std::chrono::milliseconds kLinger{10};
+constexpr size_t kCacheLine = 64;
 // How long quitSafely() waits for a running job.
 constexpr std::chrono::milliseconds kQuitTimeout{200};
 
@@ -33,9 +36,10 @@ constexpr std::chrono::milliseconds kQuitTimeout{200};
 // Shared by the executor object and its draining job: a job still running after
 // quitSafely() gave up on it, or after the executor was destroyed, keeps it alive.
 //
-// Lock order, where locks nest: processingMutex before queueMutex or delayedMutex (the end
-// of a job); delayedMutex before mapsMutex (discarding withdrawn delayed tasks). The pool's
-// own locks are taken under processingMutex (submitting the job). Nothing else nests.
+// Lock order, where locks nest: processingMutex, then queueMutex, then delayedMutex (the
+// end of a job); delayedMutex before mapsMutex (discarding withdrawn delayed tasks). The
+// pool's own locks are taken under processingMutex (submitting the job). Nothing else nests.
+// NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding): padded into cache-line groups
 struct TaskExecutor::State {
     State(const Callback& callback, std::shared_ptr<DynamicThreadPool> sharedPool)
         : callback(std::make_shared<const Callback>(callback)),
@@ -46,27 +50,54 @@ struct TaskExecutor::State {
     // Shared with the closures that carry delayed messages.
     const std::shared_ptr<const Callback> callback;
 
-    detail::Mutex queueMutex;
+    // Members are grouped by who touches them how often, each group on cache lines of its
+    // own: the sender and the job each write their own lines on every task, and read the
+    // rarely written flags without pulling the other's lines over.
+
+    // Immediate queue: every send, and the job once per batch.
+    alignas(kCacheLine) detail::Mutex queueMutex;
     std::deque<std::unique_ptr<Task>> queue SH_GUARDED_BY(queueMutex);
     // The job must look at the delayed tasks again (one was added or withdrawn) before it
     // goes on waiting. Cleared by the job right before it reads the heap.
     bool recheck SH_GUARDED_BY(queueMutex) = false;
+    // Messages sent to the front since the job last took the queue; they sit at its front.
+    size_t frontInserted SH_GUARDED_BY(queueMutex) = 0;
+    // The job sleeps on workAvailable. The first sender to find it set clears it and
+    // raises wakeJob, so that one wake-up is sent per sleep, not one per send.
+    bool jobWaiting SH_GUARDED_BY(queueMutex) = false;
+    // Immediate tasks are reused, so that a steady stream of sends allocates nothing: the
+    // job hands finished tasks back, emptied, when it next takes the queue.
+    std::vector<std::unique_ptr<Task>> spareTasks SH_GUARDED_BY(queueMutex);
+
+    // Read on every send or task, written rarely.
+    alignas(kCacheLine) std::atomic<bool> frontPending{false};  // frontInserted > 0
+    std::atomic<bool> wakeJob{false};
     // Written under queueMutex, so that the job cannot miss the wake-up between checking
     // its wait condition and sleeping; read without a lock everywhere.
     std::atomic<bool> stopped{false};
-
-    detail::Mutex processingMutex;
-    bool processing SH_GUARDED_BY(processingMutex) = false;
-    const bool usesSharedPool;
-    // Released by quitSafely().
-    std::shared_ptr<DynamicThreadPool> pool SH_GUARDED_BY(processingMutex);
+    // A draining job is submitted or running. Written under processingMutex only; the job
+    // clears it while also holding queueMutex and delayedMutex, after finding both queues
+    // empty. A sender reads it without a lock after queuing its task: if it still reads
+    // true, the job had not yet looked at the queues and will find the task.
+    std::atomic<bool> processing{false};
+    // Ids below this were withdrawn by removeCallbacksAndMessages(). Immediate tasks are
+    // withdrawn through it rather than through the index: they are never indexed by code,
+    // so the index has nothing to offer them, and leaving them out of it keeps the sends
+    // and the job off the index's lock.
+    std::atomic<uint64_t> withdrawnBelow{0};
     // The thread running the draining job, so that quitSafely() from the job itself does
     // not wait for the job.
     std::atomic<std::thread::id> jobThread{};
 
-    std::atomic<uint64_t> nextTaskId{1};
+    // Taken by every send.
+    alignas(kCacheLine) std::atomic<uint64_t> nextTaskId{1};
 
-    mutable detail::Mutex mapsMutex;
+    alignas(kCacheLine) detail::Mutex processingMutex;
+    const bool usesSharedPool;
+    // Released by quitSafely().
+    std::shared_ptr<DynamicThreadPool> pool SH_GUARDED_BY(processingMutex);
+
+    alignas(kCacheLine) mutable detail::Mutex mapsMutex;
     std::unordered_map<uint64_t, std::shared_ptr<CancellationFlag>> flags SH_GUARDED_BY(mapsMutex);
     std::unordered_map<uint64_t, int> codes SH_GUARDED_BY(mapsMutex);
 
@@ -83,13 +114,83 @@ struct TaskExecutor::State {
         codes.erase(id);
     }
 
+    static constexpr size_t kMaxSpares = 4096;
+
+    std::unique_ptr<Task> takeSpareLocked(uint64_t id) SH_REQUIRES(queueMutex) {
+        if (spareTasks.empty()) {
+            return nullptr;
+        }
+        std::unique_ptr<Task> task = std::move(spareTasks.back());
+        spareTasks.pop_back();
+        task->taskId = id;
+        return task;
+    }
+
+    void returnSparesLocked(std::vector<std::unique_ptr<Task>>& finished) SH_REQUIRES(queueMutex) {
+        for (auto& task : finished) {
+            if (spareTasks.size() >= kMaxSpares) {
+                break;
+            }
+            spareTasks.push_back(std::move(task));
+        }
+        finished.clear();
+    }
+
+    // An idle executor keeps no spares.
+    void dropSpares() SH_EXCLUDES(queueMutex) {
+        std::vector<std::unique_ptr<Task>> spares;
+        detail::MutexLock lock(queueMutex);
+        spares.swap(spareTasks);
+    }
+
+    bool isWithdrawn(uint64_t id, const std::shared_ptr<CancellationFlag>& flag) const {
+        return (flag != nullptr && flag->cancelled.load()) || id < withdrawnBelow.load();
+    }
+
+    // Takes the immediate queue into the job's batch, or, when messages were sent to the
+    // front meanwhile, puts them ahead of the rest of the batch first. False when there is
+    // nothing to run.
+    bool refill(std::deque<std::unique_ptr<Task>>& batch,
+                std::vector<std::unique_ptr<Task>>& finished) SH_EXCLUDES(queueMutex) {
+        detail::MutexLock lock(queueMutex);
+        returnSparesLocked(finished);
+        if (!batch.empty()) {
+            const auto fronts = static_cast<std::ptrdiff_t>(frontInserted);
+            queue.insert(queue.begin() + fronts, std::make_move_iterator(batch.begin()),
+                         std::make_move_iterator(batch.end()));
+            batch.clear();
+        }
+        frontInserted = 0;
+        frontPending.store(false);
+        if (queue.empty()) {
+            recheck = false;  // the job reads the delayed tasks right after this
+            return false;
+        }
+        batch.swap(queue);
+        return true;
+    }
+
     // Wakes the job when it waits for a delayed task or lingers.
     void requestRecheck() SH_EXCLUDES(queueMutex) {
         {
             detail::MutexLock lock(queueMutex);
             recheck = true;
+            claimWakeupLocked();
         }
-        workAvailable.notify_one();
+        notifyJobIfClaimed();
+    }
+
+    void claimWakeupLocked() SH_REQUIRES(queueMutex) {
+        if (jobWaiting) {
+            jobWaiting = false;
+            wakeJob.store(true);
+        }
+    }
+
+    void notifyJobIfClaimed() {
+        if (wakeJob.load() && wakeJob.exchange(false)) {
+            workAvailable.notify_one();
+        }
     }
 
     // Ends the job: clears `processing` and wakes quitSafely().
@@ -102,22 +203,15 @@ struct TaskExecutor::State {
     }
 
     // At the end of the linger: ends the job only when neither an immediate nor a delayed
-    // task is pending. Both are checked with processingMutex held, so a task queued after
-    // the check finds `processing` clear and starts a new job.
+    // task is pending, checked and cleared with all three locks held, so that a task queued
+    // after the check finds `processing` clear and starts a new job.
     bool tryEndIdleJob() SH_EXCLUDES(processingMutex, queueMutex, delayedMutex) {
         {
             detail::MutexLock lock(processingMutex);
-            {
-                detail::MutexLock queueLock(queueMutex);
-                if (!queue.empty()) {
-                    return false;
-                }
-            }
-            {
-                detail::MutexLock delayedLock(delayedMutex);
-                if (!delayed.empty()) {
-                    return false;
-                }
+            detail::MutexLock queueLock(queueMutex);
+            detail::MutexLock delayedLock(delayedMutex);
+            if (!queue.empty() || !delayed.empty()) {
+                return false;
             }
             processing = false;
         }
@@ -244,11 +338,14 @@ void TaskExecutor::removeMessages(int what) {
 
 void TaskExecutor::removeCallbacksAndMessages() {
     State& s = *state;
+    // Every task whose id was handed out so far, queued or about to be. Only ever raised,
+    // so that a concurrent call with an older reading cannot bring tasks back.
+    const uint64_t below = s.nextTaskId.load();
+    uint64_t current = s.withdrawnBelow.load();
+    while (current < below && !s.withdrawnBelow.compare_exchange_weak(current, below)) {
+    }
     {
         detail::MutexLock lock(s.mapsMutex);
-        if (s.flags.empty()) {
-            return;
-        }
         for (auto& entry : s.flags) {
             entry.second->cancelled.store(true);
         }
@@ -296,6 +393,7 @@ void TaskExecutor::quitSafely() {
         flags.swap(s.flags);
         codes.swap(s.codes);
     }
+    s.dropSpares();
     std::deque<std::unique_ptr<Task>> queue;
     {
         detail::MutexLock lock(s.queueMutex);
@@ -359,16 +457,35 @@ bool TaskExecutor::sendImmediate(bool isMessage, std::unique_ptr<Message> messag
     // Immediate tasks are never indexed by code: only delayed messages can be queried and
     // withdrawn by code.
     const uint64_t id = generateTaskId();
-    auto task = std::make_unique<Task>(id, createCancellationFlag(id, -1), std::move(message),
-                                       isMessage ? nullptr : std::move(closure), isMessage);
     State& s = *state;
+    auto fill = [&](Task& task) {
+        task.isMessage = isMessage;
+        if (isMessage) {
+            task.message = std::move(message);
+        } else {
+            task.closure = std::move(closure);
+        }
+    };
+    std::unique_ptr<Task> task;
     {
+        // Usually a spare task is filled and queued in one critical section.
         detail::MutexLock lock(s.queueMutex);
+        task = s.takeSpareLocked(id);
+        if (task == nullptr) {
+            lock.unlock();
+            task = std::make_unique<Task>(id, std::make_shared<CancellationFlag>(), nullptr,
+                                          nullptr, isMessage);
+            lock.relock();
+        }
+        fill(*task);
         if (atFront) {
             s.queue.push_front(std::move(task));
+            ++s.frontInserted;
+            s.frontPending.store(true);
         } else {
             s.queue.push_back(std::move(task));
         }
+        s.claimWakeupLocked();
     }
     startProcessing();
     return true;
@@ -408,6 +525,10 @@ bool TaskExecutor::internalSendMessageOrRunnableDelayed(bool isMessage,
 
 void TaskExecutor::startProcessing() {
     State& s = *state;
+    if (s.processing.load()) {
+        s.notifyJobIfClaimed();  // the job, submitted or running, will find the task
+        return;
+    }
     {
         detail::MutexLock lock(s.processingMutex);
         if (!s.processing && !s.stopped.load() && s.pool != nullptr) {
@@ -415,7 +536,7 @@ void TaskExecutor::startProcessing() {
             s.pool->submit([job = state] { processAllTasks(job); });
         }
     }
-    s.workAvailable.notify_one();
+    s.notifyJobIfClaimed();
 }
 
 void TaskExecutor::processAllTasks(const std::shared_ptr<State>& state) {
@@ -431,27 +552,33 @@ void TaskExecutor::processAllTasks(const std::shared_ptr<State>& state) {
     } jobThread{s.jobThread};
     s.jobThread.store(std::this_thread::get_id());
 
+    // Immediate tasks are taken from the queue in batches, one lock per batch instead of
+    // one per task; a message sent to the front while a batch runs still overtakes the
+    // rest of it.
+    std::deque<std::unique_ptr<Task>> batch;
+    std::vector<std::unique_ptr<Task>> finished;  // handed back at the next refill
     while (true) {
-        // Immediate tasks first, one at a time, so that a message sent to the front while
-        // the job runs overtakes everything still queued.
+        // Immediate tasks first.
         while (true) {
             if (s.stopped.load()) {
                 s.endJob();
                 return;
             }
-            std::unique_ptr<Task> task;
-            {
-                detail::MutexLock lock(s.queueMutex);
-                if (s.queue.empty()) {
-                    s.recheck = false;  // the delayed tasks are read right below
-                    break;
-                }
-                task = std::move(s.queue.front());
-                s.queue.pop_front();
+            if ((batch.empty() || s.frontPending.load()) && !s.refill(batch, finished)) {
+                break;
             }
-            s.removeFlag(task->taskId);
-            if (!task->cancellationFlag->cancelled.load() && !s.stopped.load()) {
+            std::unique_ptr<Task> task = std::move(batch.front());
+            batch.pop_front();
+            if (!s.isWithdrawn(task->taskId, task->cancellationFlag) && !s.stopped.load()) {
                 s.run(*task);
+            }
+            // Emptied here, outside every lock: a payload or a capture may run any code
+            // when it goes.
+            task->message.reset();
+            task->closure = nullptr;
+            if (task->cancellationFlag.use_count() == 1) {
+                task->cancellationFlag->cancelled.store(false);
+                finished.push_back(std::move(task));
             }
         }
 
@@ -460,7 +587,8 @@ void TaskExecutor::processAllTasks(const std::shared_ptr<State>& state) {
         std::optional<DelayedTask> dueTask;
         {
             detail::MutexLock lock(s.delayedMutex);
-            while (!s.delayed.empty() && s.delayed.top().cancellationFlag->cancelled.load()) {
+            while (!s.delayed.empty() &&
+                   s.isWithdrawn(s.delayed.top().taskId, s.delayed.top().cancellationFlag)) {
                 s.removeFlag(s.delayed.top().taskId);
                 s.delayed.pop();
             }
@@ -476,7 +604,7 @@ void TaskExecutor::processAllTasks(const std::shared_ptr<State>& state) {
         }
         if (dueTask.has_value()) {
             s.removeFlag(dueTask->taskId);
-            if (!dueTask->cancellationFlag->cancelled.load() && !s.stopped.load() &&
+            if (!s.isWithdrawn(dueTask->taskId, dueTask->cancellationFlag) && !s.stopped.load() &&
                 dueTask->closure) {
                 dueTask->closure();
             }
@@ -490,16 +618,22 @@ void TaskExecutor::processAllTasks(const std::shared_ptr<State>& state) {
             auto wake = [&s]() SH_NO_THREAD_SAFETY_ANALYSIS {
                 return !s.queue.empty() || s.recheck || s.stopped.load();
             };
+            s.jobWaiting = true;
             if (nextDue.has_value()) {
                 lock.waitUntil(s.workAvailable, *nextDue, wake);
+            } else {
+                woken = lock.waitFor(s.workAvailable, kLinger, wake);
+            }
+            s.jobWaiting = false;
+            if (nextDue.has_value()) {
                 continue;
             }
-            woken = lock.waitFor(s.workAvailable, kLinger, wake);
         }
         if (woken || s.stopped.load()) {
             continue;
         }
         if (s.tryEndIdleJob()) {
+            s.dropSpares();
             return;
         }
     }
