@@ -112,6 +112,28 @@ TEST_F(TaskExecutorTest, Sends_RunInSendingOrderWithFrontInsertionsFirst) {
     EXPECT_EQ(seen.values(), (std::vector<int>{5, 4, 1, 2, 3, 6}));
 }
 
+// The job takes queued tasks several at a time; a message sent to the front while one of
+// them runs still overtakes the rest.
+TEST_F(TaskExecutorTest, FrontSendDuringARun_OvertakesTasksQueuedBehindIt) {
+    TaskExecutor executor(recordWhat());
+    holdJob(executor);
+    Gate second;
+    std::atomic<bool> secondRunning{false};
+    ASSERT_TRUE(executor.post([&] {
+        secondRunning = true;
+        second.wait();
+    }));
+    ASSERT_TRUE(executor.sendEmptyMessage(1));
+    ASSERT_TRUE(executor.sendEmptyMessage(2));
+    release.open();
+    ASSERT_TRUE(eventually([&] { return secondRunning.load(); }));
+    ASSERT_TRUE(executor.sendMessageAtFrontOfQueue(executor.obtainMessage(3)));
+    ASSERT_TRUE(executor.sendEmptyMessage(4));
+    second.open();
+    ASSERT_TRUE(seen.waitFor(4));
+    EXPECT_EQ(seen.values(), (std::vector<int>{3, 1, 2, 4}));
+}
+
 TEST_F(TaskExecutorTest, Messages_ReachTheCallbackWithTheirFields) {
     std::promise<std::unique_ptr<Message>> received;
     TaskExecutor executor(
