@@ -4,6 +4,8 @@
 // burst and for spaced posts (idle wake-up); the cost of a post while a long callback
 // runs; and one pass of the delayed-entry check at 1 000 and 10 000 entries.
 #include <benchmark/benchmark.h>
+#include <pthread.h>
+#include <sched.h>
 
 #include <algorithm>
 #include <atomic>
@@ -76,6 +78,48 @@ private:
     std::thread worker_;
 };
 
+// Puts the consumer thread that `start` creates on one CPU and the calling (producer) thread
+// on another, so that every variant is measured with the same placement instead of
+// wherever the scheduler happens to put the two threads. Restores the caller's CPU set on
+// destruction. Without two usable CPUs placement is left alone.
+class CrossCorePlacement {
+public:
+    template <typename Start>
+    explicit CrossCorePlacement(Start start) {
+        pthread_t self = pthread_self();
+        const bool saved = pthread_getaffinity_np(self, sizeof(original_), &original_) == 0;
+        std::vector<int> cpus;
+        for (int cpu = 0; saved && cpu < CPU_SETSIZE; ++cpu) {
+            if (CPU_ISSET(cpu, &original_)) {
+                cpus.push_back(cpu);
+            }
+        }
+        pinned_ = cpus.size() >= 2 && pin(cpus[1]);
+        start();  // the consumer inherits the CPU set of the thread that creates it
+        if (pinned_) {
+            pin(cpus[0]);
+        }
+    }
+    ~CrossCorePlacement() {
+        if (pinned_) {
+            pthread_setaffinity_np(pthread_self(), sizeof(original_), &original_);
+        }
+    }
+    CrossCorePlacement(const CrossCorePlacement&) = delete;
+    CrossCorePlacement& operator=(const CrossCorePlacement&) = delete;
+
+private:
+    static bool pin(int cpu) {
+        cpu_set_t set;
+        CPU_ZERO(&set);
+        CPU_SET(cpu, &set);
+        return pthread_setaffinity_np(pthread_self(), sizeof(set), &set) == 0;
+    }
+
+    cpu_set_t original_{};
+    bool pinned_ = false;
+};
+
 void waitFor(const std::atomic<int>& counter, int target) {
     while (counter.load(std::memory_order_acquire) < target) {
         std::this_thread::yield();
@@ -98,20 +142,25 @@ void throughput(benchmark::State& state, Post post) {
 }
 
 void BM_Throughput_MinimalQueue(benchmark::State& state) {
-    MinimalQueue queue;
-    throughput(state, [&](std::function<void()> task) { queue.post(std::move(task)); });
+    std::unique_ptr<MinimalQueue> queue;
+    CrossCorePlacement placement([&] { queue = std::make_unique<MinimalQueue>(); });
+    throughput(state, [&](std::function<void()> task) { queue->post(std::move(task)); });
 }
 
 void BM_Throughput_Looper(benchmark::State& state) {
-    smarthome::Handler handler([](std::unique_ptr<smarthome::Message>) {});
-    throughput(state, [&](std::function<void()> task) { handler.post(std::move(task)); });
+    std::unique_ptr<smarthome::Handler> handler;
+    CrossCorePlacement placement([&] {
+        handler = std::make_unique<smarthome::Handler>([](std::unique_ptr<smarthome::Message>) {});
+    });
+    throughput(state, [&](std::function<void()> task) { handler->post(std::move(task)); });
 }
 
 #ifdef SMARTHOME_BENCH_WITH_ASIO
 void BM_Throughput_Asio(benchmark::State& state) {
     boost::asio::io_context context;
     auto guard = boost::asio::make_work_guard(context);
-    std::thread runner([&] { context.run(); });
+    std::thread runner;
+    CrossCorePlacement placement([&] { runner = std::thread([&] { context.run(); }); });
     throughput(state,
                [&](std::function<void()> task) { boost::asio::post(context, std::move(task)); });
     guard.reset();

@@ -24,6 +24,7 @@
 // Callbacks must not throw.
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <functional>
 #include <memory>
@@ -69,6 +70,13 @@ protected:
 
 private:
     friend class Handler;
+    enum class Position { Back, Front };
+    // A handler's own send: the entry is built in the storage of a delivered one when the
+    // looper has one spare, else allocated. Same results as the public sends.
+    bool sendFromHandler(std::unique_ptr<Message> message, Handler* handler,
+                         std::atomic<bool>* sentinel, Position position);
+    bool sendFromHandler(std::function<void()> runnable, Handler* handler,
+                         std::atomic<bool>* sentinel, Position position);
     // Keeps a departing handler's sentinel alive until the pass in progress (if any) has
     // ended: entries of that pass may still read it.
     void retire(std::shared_ptr<void> sentinel);

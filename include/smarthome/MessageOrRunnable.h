@@ -36,6 +36,7 @@ public:
 
 private:
     friend class Handler;
+    friend class Looper;
     // Entries a Handler creates for itself borrow its sentinel instead of sharing it: the
     // handler keeps the sentinel alive until no pass can still deliver them (see
     // Looper::retire), which spares every entry two reference-count updates on a cache line
@@ -45,6 +46,17 @@ private:
     MessageOrRunnable(std::function<void()> runnable, Handler* handler,
                       std::atomic<bool>* borrowedSentinel);
 
+    // A delivered entry of a handler can be refilled by its looper instead of being freed
+    // and allocated again: the storage then stays with the looper thread and its senders
+    // rather than crossing between their allocator caches on every message. Entries built
+    // through the public constructors (possibly of a derived type) are never reused.
+    bool isReusable() const { return impl.reusable; }
+    void clearPayload();
+    void refill(std::unique_ptr<Message> message, Handler* handler,
+                std::atomic<bool>* borrowedSentinel);
+    void refill(std::function<void()> runnable, Handler* handler,
+                std::atomic<bool>* borrowedSentinel);
+
     // The entry's state, held inline so that an entry costs one allocation.
     struct Impl {
         std::unique_ptr<Message> message;
@@ -53,6 +65,7 @@ private:
         std::shared_ptr<std::atomic<bool>> validity;  // empty when borrowed
         std::atomic<bool>* sentinel;                  // the one read at delivery
         bool isMsg;
+        bool reusable;
     };
     mutable Impl impl;  // getMessage() const lets processing move the message out
 };

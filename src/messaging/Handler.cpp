@@ -43,10 +43,6 @@ std::unique_ptr<Message> Handler::obtainMessage(int what, void* obj,
     return std::make_unique<Message>(what, -1, -1, std::move(data), obj);
 }
 
-bool Handler::send(std::unique_ptr<MessageOrRunnable> entry) {
-    return !quitting.load() && looper->sendMessageOrRunnable(std::move(entry));
-}
-
 bool Handler::sendDelayed(std::unique_ptr<MessageOrRunnable> entry,
                           std::chrono::milliseconds delay) {
     return !quitting.load() && looper->sendDelayedMessageOrRunnable(std::move(entry), delay);
@@ -57,8 +53,8 @@ bool Handler::sendEmptyMessage(int what) {
 }
 
 bool Handler::sendMessage(std::unique_ptr<Message> message) {
-    return send(std::unique_ptr<MessageOrRunnable>(
-        new MessageOrRunnable(std::move(message), this, sentinel.get())));
+    return !quitting.load() && looper->sendFromHandler(std::move(message), this, sentinel.get(),
+                                                       Looper::Position::Back);
 }
 
 bool Handler::sendEmptyMessageDelayed(int what, std::chrono::milliseconds delay) {
@@ -73,14 +69,13 @@ bool Handler::sendMessageDelayed(std::unique_ptr<Message> message,
 }
 
 bool Handler::sendMessageAtFrontOfQueue(std::unique_ptr<Message> message) {
-    return !quitting.load() &&
-           looper->sendMessageOrRunnableToFront(std::unique_ptr<MessageOrRunnable>(
-               new MessageOrRunnable(std::move(message), this, sentinel.get())));
+    return !quitting.load() && looper->sendFromHandler(std::move(message), this, sentinel.get(),
+                                                       Looper::Position::Front);
 }
 
 bool Handler::post(std::function<void()> runnable) {
-    return send(std::unique_ptr<MessageOrRunnable>(
-        new MessageOrRunnable(std::move(runnable), this, sentinel.get())));
+    return !quitting.load() && looper->sendFromHandler(std::move(runnable), this, sentinel.get(),
+                                                       Looper::Position::Back);
 }
 
 bool Handler::postDelayed(std::function<void()> runnable, std::chrono::milliseconds delay) {
@@ -147,14 +142,20 @@ std::shared_ptr<Looper> Handler::getLooper() const {
 }
 
 void Handler::processHandlerMessage(std::unique_ptr<MessageOrRunnable> entry) {
+    if (entry != nullptr) {
+        deliver(*entry);
+    }
+}
+
+void Handler::deliver(MessageOrRunnable& entry) {
     if (quitting.load()) {
         return;
     }
-    if (entry->isMsg()) {
+    if (entry.isMsg()) {
         std::shared_ptr<const Callback> running = callback;  // this handler may die inside
-        (*running)(std::move(entry->getMessage()));
+        (*running)(std::move(entry.getMessage()));
     } else {
-        entry->run();
+        entry.run();
     }
 }
 

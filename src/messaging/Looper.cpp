@@ -18,6 +18,7 @@ using Clock = std::chrono::steady_clock;
 
 // Everything the worker uses. Shared between the Looper and its worker thread, so that a
 // worker told to quit from its own thread can finish after the Looper is gone.
+// NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding): the worker's fields get their own line
 struct Looper::State {
     mutable detail::Mutex mutex;
     std::deque<Entry> queue SH_GUARDED_BY(mutex);
@@ -37,8 +38,16 @@ struct Looper::State {
     // Sentinels of departed handlers, released at the end of the pass that may read them.
     std::vector<std::shared_ptr<void>> retired SH_GUARDED_BY(mutex);
     std::thread worker;
-    // Used by the worker thread only: kept across passes so that its storage is reused.
-    std::deque<Entry> batch;
+    // Delivered handler entries, emptied, waiting to be refilled by a send. The worker and
+    // the senders each hold at most this many, so that a burst does not pin its memory for
+    // the looper's lifetime (about 100 bytes an entry).
+    static constexpr size_t kMaxSpareEntries = 4096;
+    std::vector<Entry> spare SH_GUARDED_BY(mutex);
+    // Used by the worker thread only: kept across passes so that their storage is reused.
+    // On their own cache line: the worker updates them for every entry it delivers, and
+    // sharing a line with what senders write would make each side's writes stall the other.
+    alignas(64) std::deque<Entry> batch;
+    std::vector<Entry> emptied;
 
     bool onWorker() const { return std::this_thread::get_id() == workerId; }
 
@@ -53,12 +62,73 @@ struct Looper::State {
                 return false;
             }
             addUnderLock();
-            wake = waiting;
+            wake = claimWakeup();
         }
         if (wake) {
             wakeup.notify_one();
         }
         return true;
+    }
+
+    // Whether the caller has to wake the worker. One wake-up per sleep is enough: the
+    // worker checks everything that may have changed once it runs, so later senders skip
+    // the notification (and its system call) while the first one is on its way.
+    bool claimWakeup() SH_REQUIRES(mutex) {
+        const bool wake = waiting;
+        waiting = false;
+        return wake;
+    }
+
+    void enqueue(Entry entry, Position position) SH_REQUIRES(mutex) {
+        if (position == Position::Front) {
+            queue.push_front(std::move(entry));
+        } else {
+            queue.push_back(std::move(entry));
+        }
+    }
+
+    // A handler's send, in a spare entry when there is one. Allocation happens outside
+    // the lock; the payload is destroyed by the caller's frame when the looper refuses.
+    template <typename Payload>
+    bool sendFromHandler(Payload& payload, Handler* handler, std::atomic<bool>* sentinel,
+                         Position position) {
+        bool wake = false;
+        {
+            detail::MutexLock lock(mutex);
+            if (stopping) {
+                return false;
+            }
+            if (!spare.empty()) {
+                Entry entry = std::move(spare.back());
+                spare.pop_back();
+                entry->refill(std::move(payload), handler, sentinel);
+                enqueue(std::move(entry), position);
+                wake = claimWakeup();
+                lock.unlock();
+                if (wake) {
+                    wakeup.notify_one();
+                }
+                return true;
+            }
+        }
+        Entry fresh(new MessageOrRunnable(std::move(payload), handler, sentinel));
+        return add([&]() SH_NO_THREAD_SAFETY_ANALYSIS { enqueue(std::move(fresh), position); });
+    }
+
+    // Hands the worker's emptied entries to the senders once they have used up the previous
+    // hand-off: a swap, so that the lock is held for the same short time however many
+    // entries a pass delivered.
+    void handOverSpare() SH_REQUIRES(mutex) {
+        if (spare.empty()) {
+            spare.swap(emptied);
+        }
+    }
+
+    // Bounds what the worker keeps for reuse; the excess is freed outside the lock.
+    void trimEmptied() {
+        while (emptied.size() > kMaxSpareEntries) {
+            emptied.pop_back();
+        }
     }
 
     // Waits until the pass that starts after this call has completed (or the worker is
@@ -71,23 +141,46 @@ struct Looper::State {
     }
 
     void run();
+    void deliverBatch();
 
     // The last pass: discards what is left (outside the lock) and marks the end.
     void finish(unsigned long long pass) {
         std::deque<Entry> discardedQueue;
         std::vector<std::unique_ptr<DelayedMessage>> discardedDelayed;
         std::vector<std::shared_ptr<void>> released;
+        std::vector<Entry> discardedSpare;
         {
             detail::MutexLock lock(mutex);
             discardedQueue.swap(queue);
             discardedDelayed.swap(delayed);
             released.swap(retired);
+            discardedSpare.swap(spare);
             passesCompleted = pass;
             ended = true;
         }
         passDone.notify_all();
     }
 };
+
+// Delivered without the lock: senders never wait for a callback.
+void Looper::State::deliverBatch() {
+    for (Entry& entry : batch) {
+        if (!entry->isReusable()) {
+            if (entry->isHandlerValid()) {
+                Handler* handler = entry->getHandler();
+                handler->processHandlerMessage(std::move(entry));
+            }
+            entry.reset();
+            continue;
+        }
+        if (entry->isHandlerValid()) {
+            entry->getHandler()->deliver(*entry);  // the entry stays here, to be reused
+        }
+        entry->clearPayload();
+        emptied.push_back(std::move(entry));
+    }
+    batch.clear();
+}
 
 void Looper::State::run() {
     while (true) {
@@ -108,16 +201,9 @@ void Looper::State::run() {
             flushPending = false;
             pass = ++passesStarted;
         }
-        // Delivered without the lock: senders never wait for a callback.
-        for (Entry& entry : batch) {
-            if (entry->isHandlerValid()) {
-                Handler* handler = entry->getHandler();
-                handler->processHandlerMessage(std::move(entry));
-            }
-            entry.reset();
-        }
-        batch.clear();
+        deliverBatch();
         if (quitting) {
+            emptied.clear();
             finish(pass);
             return;
         }
@@ -126,7 +212,9 @@ void Looper::State::run() {
             detail::MutexLock lock(mutex);
             passesCompleted = pass;
             released.swap(retired);
+            handOverSpare();
         }
+        trimEmptied();
         passDone.notify_all();
     }
 }
@@ -161,6 +249,16 @@ bool Looper::sendMessageOrRunnable(std::unique_ptr<MessageOrRunnable> entry) {
 bool Looper::sendMessageOrRunnableToFront(std::unique_ptr<MessageOrRunnable> entry) {
     State& s = *state;
     return s.add([&]() SH_NO_THREAD_SAFETY_ANALYSIS { s.queue.push_front(std::move(entry)); });
+}
+
+bool Looper::sendFromHandler(std::unique_ptr<Message> message, Handler* handler,
+                             std::atomic<bool>* sentinel, Position position) {
+    return state->sendFromHandler(message, handler, sentinel, position);
+}
+
+bool Looper::sendFromHandler(std::function<void()> runnable, Handler* handler,
+                             std::atomic<bool>* sentinel, Position position) {
+    return state->sendFromHandler(runnable, handler, sentinel, position);
 }
 
 bool Looper::sendDelayedMessageOrRunnable(std::unique_ptr<MessageOrRunnable> entry,
@@ -248,7 +346,7 @@ void Looper::flush() {
         return;
     }
     s.flushPending = true;
-    if (s.waiting) {
+    if (s.claimWakeup()) {
         s.wakeup.notify_one();
     }
     s.waitForNextPass(lock);
@@ -265,7 +363,7 @@ void Looper::quitSafely() {
         s.quit = true;
         s.stopping = true;
         s.flushPending = true;
-        wake = s.waiting;
+        wake = s.claimWakeup();
     }
     if (wake) {
         s.wakeup.notify_one();

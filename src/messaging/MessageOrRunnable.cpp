@@ -15,24 +15,45 @@ std::shared_ptr<std::atomic<bool>> sentinelOf(Handler* handler) {
 }  // namespace
 
 MessageOrRunnable::MessageOrRunnable(std::unique_ptr<Message> message, Handler* handler)
-    : impl{std::move(message), nullptr, handler, sentinelOf(handler), nullptr, true} {
+    : impl{std::move(message), nullptr, handler, sentinelOf(handler), nullptr, true, false} {
     impl.sentinel = impl.validity.get();
 }
 
 MessageOrRunnable::MessageOrRunnable(std::function<void()> runnable, Handler* handler)
-    : impl{nullptr, std::move(runnable), handler, sentinelOf(handler), nullptr, false} {
+    : impl{nullptr, std::move(runnable), handler, sentinelOf(handler), nullptr, false, false} {
     impl.sentinel = impl.validity.get();
 }
 
 MessageOrRunnable::MessageOrRunnable(std::unique_ptr<Message> message, Handler* handler,
                                      std::atomic<bool>* borrowedSentinel)
-    : impl{std::move(message), nullptr, handler, nullptr, borrowedSentinel, true} {}
+    : impl{std::move(message), nullptr, handler, nullptr, borrowedSentinel, true, true} {}
 
 MessageOrRunnable::MessageOrRunnable(std::function<void()> runnable, Handler* handler,
                                      std::atomic<bool>* borrowedSentinel)
-    : impl{nullptr, std::move(runnable), handler, nullptr, borrowedSentinel, false} {}
+    : impl{nullptr, std::move(runnable), handler, nullptr, borrowedSentinel, false, true} {}
 
 MessageOrRunnable::~MessageOrRunnable() = default;
+
+void MessageOrRunnable::clearPayload() {
+    impl.message.reset();
+    impl.runnable = nullptr;
+}
+
+void MessageOrRunnable::refill(std::unique_ptr<Message> message, Handler* handler,
+                               std::atomic<bool>* borrowedSentinel) {
+    impl.message = std::move(message);
+    impl.handler = handler;
+    impl.sentinel = borrowedSentinel;
+    impl.isMsg = true;
+}
+
+void MessageOrRunnable::refill(std::function<void()> runnable, Handler* handler,
+                               std::atomic<bool>* borrowedSentinel) {
+    impl.runnable = std::move(runnable);
+    impl.handler = handler;
+    impl.sentinel = borrowedSentinel;
+    impl.isMsg = false;
+}
 
 Handler* MessageOrRunnable::getHandler() const {
     return impl.handler;

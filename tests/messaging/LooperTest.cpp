@@ -6,6 +6,7 @@
 #include <chrono>
 #include <memory>
 #include <thread>
+#include <vector>
 
 #include "messaging/MessagingTestSupport.h"
 #include "smarthome/Handler.h"
@@ -249,6 +250,73 @@ TEST_F(LooperTest, AHandlerMayDestroyItselfFromItsCallback) {
     ASSERT_TRUE(destroyed.wait());
     looper->flush();
     EXPECT_TRUE(recorder.values().empty());
+}
+
+// The looper reuses the storage of delivered handler entries; reuse must not be visible.
+TEST_F(LooperTest, DeliveredClosuresAndMessagesAreReleasedAtOnce) {
+    for (int round = 0; round < 3; ++round) {  // later rounds run in reused entries
+        auto captured = std::make_shared<int>(round);
+        auto data = std::make_shared<int>(round);
+        std::weak_ptr<int> weakCaptured = captured;
+        std::weak_ptr<int> weakData = data;
+        ASSERT_TRUE(handler->post([captured] { EXPECT_GE(*captured, 0); }));
+        ASSERT_TRUE(handler->sendMessage(handler->obtainMessage(round, std::move(data))));
+        ASSERT_TRUE(handler->sendMessageAtFrontOfQueue(handler->obtainMessage(10 + round)));
+        captured.reset();
+        looper->flush();
+        EXPECT_TRUE(weakCaptured.expired()) << "round " << round;
+        EXPECT_TRUE(weakData.expired()) << "round " << round;
+    }
+}
+
+TEST_F(LooperTest, ReusedEntriesReachTheHandlerThatSentThem) {
+    Recorder first;
+    auto departed = std::make_unique<Handler>(
+        looper, [&](std::unique_ptr<Message> message) { first.add(message->what); });
+    for (int i = 0; i < 100; ++i) {
+        departed->sendEmptyMessage(i);
+    }
+    ASSERT_TRUE(first.waitFor(100));
+    looper->flush();
+    departed.reset();  // its delivered entries now wait for reuse
+    std::vector<int> expected;
+    for (int i = 0; i < 300; ++i) {
+        if (i % 3 == 0) {
+            handler->post([this, i] { recorder.add(-i); });
+            expected.push_back(-i);
+        } else {
+            handler->sendEmptyMessage(i);
+            expected.push_back(i);
+        }
+    }
+    ASSERT_TRUE(recorder.waitFor(expected.size()));
+    EXPECT_EQ(recorder.values(), expected);
+}
+
+// An entry built by the caller, of a derived type: delivered, then destroyed as what it is.
+class CountedEntry : public MessageOrRunnable {
+public:
+    CountedEntry(std::unique_ptr<Message> message, Handler* handler, std::atomic<int>& destroyed)
+        : MessageOrRunnable(std::move(message), handler), destroyed(destroyed) {}
+    ~CountedEntry() override { ++destroyed; }
+
+private:
+    std::atomic<int>& destroyed;
+};
+
+TEST_F(LooperTest, EntriesBuiltByTheCallerAreDestroyedNotReused) {
+    std::atomic<int> destroyed{0};
+    for (int i = 0; i < 4; ++i) {
+        ASSERT_TRUE(looper->sendMessageOrRunnable(std::make_unique<CountedEntry>(
+            std::make_unique<Message>(i), handler.get(), destroyed)));
+    }
+    ASSERT_TRUE(looper->sendMessageOrRunnable(
+        std::make_unique<CountedEntry>(std::make_unique<Message>(9), nullptr, destroyed)));
+    handler->sendEmptyMessage(5);  // may run in storage of a delivered handler entry only
+    ASSERT_TRUE(recorder.waitFor(5));
+    looper->flush();
+    EXPECT_EQ(recorder.values(), (std::vector<int>{0, 1, 2, 3, 5}));
+    EXPECT_EQ(destroyed.load(), 5);
 }
 
 TEST(LooperLifecycle, AHandlerWithItsOwnLooperStopsItsThread) {
