@@ -4,8 +4,6 @@
 // burst and for spaced posts (idle wake-up); the cost of a post while a long callback
 // runs; and one pass of the delayed-entry check at 1 000 and 10 000 entries.
 #include <benchmark/benchmark.h>
-#include <pthread.h>
-#include <sched.h>
 
 #include <algorithm>
 #include <atomic>
@@ -27,12 +25,15 @@
 #include "messaging/DelayedSchedule.h"
 #include "smarthome/Handler.h"
 #include "smarthome/Looper.h"
+#include "support/PostingLoad.h"
 #include "support/RatioReporter.h"
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
-constexpr int kBurst = 10000;
+using smarthome::bench::CrossCorePlacement;
+using smarthome::bench::latency;
+using smarthome::bench::throughput;
 
 // The baseline: the smallest correct single-consumer queue.
 class MinimalQueue {
@@ -78,69 +79,6 @@ private:
     std::thread worker_;
 };
 
-// Puts the consumer thread that `start` creates on one CPU and the calling (producer) thread
-// on another, so that every variant is measured with the same placement instead of
-// wherever the scheduler happens to put the two threads. Restores the caller's CPU set on
-// destruction. Without two usable CPUs placement is left alone.
-class CrossCorePlacement {
-public:
-    template <typename Start>
-    explicit CrossCorePlacement(Start start) {
-        pthread_t self = pthread_self();
-        const bool saved = pthread_getaffinity_np(self, sizeof(original_), &original_) == 0;
-        std::vector<int> cpus;
-        for (int cpu = 0; saved && cpu < CPU_SETSIZE; ++cpu) {
-            if (CPU_ISSET(cpu, &original_)) {
-                cpus.push_back(cpu);
-            }
-        }
-        pinned_ = cpus.size() >= 2 && pin(cpus[1]);
-        start();  // the consumer inherits the CPU set of the thread that creates it
-        if (pinned_) {
-            pin(cpus[0]);
-        }
-    }
-    ~CrossCorePlacement() {
-        if (pinned_) {
-            pthread_setaffinity_np(pthread_self(), sizeof(original_), &original_);
-        }
-    }
-    CrossCorePlacement(const CrossCorePlacement&) = delete;
-    CrossCorePlacement& operator=(const CrossCorePlacement&) = delete;
-
-private:
-    static bool pin(int cpu) {
-        cpu_set_t set;
-        CPU_ZERO(&set);
-        CPU_SET(cpu, &set);
-        return pthread_setaffinity_np(pthread_self(), sizeof(set), &set) == 0;
-    }
-
-    cpu_set_t original_{};
-    bool pinned_ = false;
-};
-
-void waitFor(const std::atomic<int>& counter, int target) {
-    while (counter.load(std::memory_order_acquire) < target) {
-        std::this_thread::yield();
-    }
-}
-
-// Posts kBurst closures per iteration and waits until all have run.
-template <typename Post>
-void throughput(benchmark::State& state, Post post) {
-    std::atomic<int> done{0};
-    int target = 0;
-    for (auto _ : state) {
-        target += kBurst;
-        for (int i = 0; i < kBurst; ++i) {
-            post([&done] { done.fetch_add(1, std::memory_order_release); });
-        }
-        waitFor(done, target);
-    }
-    state.SetItemsProcessed(state.iterations() * kBurst);
-}
-
 void BM_Throughput_MinimalQueue(benchmark::State& state) {
     std::unique_ptr<MinimalQueue> queue;
     CrossCorePlacement placement([&] { queue = std::make_unique<MinimalQueue>(); });
@@ -172,35 +110,10 @@ BENCHMARK(BM_Throughput_Asio)->UseRealTime();
 BENCHMARK(BM_Throughput_MinimalQueue)->UseRealTime();
 BENCHMARK(BM_Throughput_Looper)->UseRealTime();
 
-// Post-to-run latency; spacing 0 is a burst, otherwise posts are spaced by that many
-// microseconds so that the worker sleeps in between (idle wake-up).
+// Post-to-run latency for a burst and for spaced posts (idle wake-up).
 void BM_Latency_Looper(benchmark::State& state) {
-    const auto spacing = std::chrono::microseconds(state.range(0));
-    constexpr int kPosts = 1000;
     smarthome::Handler handler([](std::unique_ptr<smarthome::Message>) {});
-    std::vector<double> latencies;
-    for (auto _ : state) {
-        std::vector<double> sample(kPosts);
-        std::atomic<int> done{0};
-        for (int i = 0; i < kPosts; ++i) {
-            const auto posted = Clock::now();
-            handler.post([&sample, &done, posted, i] {
-                sample[static_cast<size_t>(i)] =
-                    std::chrono::duration<double, std::micro>(Clock::now() - posted).count();
-                done.fetch_add(1, std::memory_order_release);
-            });
-            if (spacing.count() > 0) {
-                const auto next = posted + spacing;
-                while (Clock::now() < next) {
-                }
-            }
-        }
-        waitFor(done, kPosts);
-        latencies.insert(latencies.end(), sample.begin(), sample.end());
-    }
-    std::sort(latencies.begin(), latencies.end());
-    state.counters["median_us"] = latencies[latencies.size() / 2];
-    state.counters["p99_us"] = latencies[latencies.size() * 99 / 100];
+    latency(state, [&](const std::function<void()>& task) { handler.post(task); });
 }
 BENCHMARK(BM_Latency_Looper)->Arg(0)->Arg(50)->Iterations(5)->UseRealTime();
 

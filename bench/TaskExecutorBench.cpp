@@ -16,35 +16,16 @@
 #include "smarthome/DynamicThreadPool.h"
 #include "smarthome/Handler.h"
 #include "smarthome/TaskExecutor.h"
+#include "support/PostingLoad.h"
 #include "support/RatioReporter.h"
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
-constexpr int kBurst = 10000;
+using smarthome::bench::latency;
+using smarthome::bench::throughput;
 
 bool idleReturnedToZero = false;
-
-void waitFor(const std::atomic<int>& counter, int target) {
-    while (counter.load(std::memory_order_acquire) < target) {
-        std::this_thread::yield();
-    }
-}
-
-// Posts kBurst closures per iteration and waits until all have run.
-template <typename Post>
-void throughput(benchmark::State& state, Post post) {
-    std::atomic<int> done{0};
-    int target = 0;
-    for (auto _ : state) {
-        target += kBurst;
-        for (int i = 0; i < kBurst; ++i) {
-            post([&done] { done.fetch_add(1, std::memory_order_release); });
-        }
-        waitFor(done, target);
-    }
-    state.SetItemsProcessed(state.iterations() * kBurst);
-}
 
 void BM_Throughput_Looper(benchmark::State& state) {
     smarthome::Handler handler([](std::unique_ptr<smarthome::Message>) {});
@@ -58,37 +39,6 @@ void BM_Throughput_TaskExecutor(benchmark::State& state) {
     throughput(state, [&](const std::function<void()>& task) { executor.post(task); });
 }
 BENCHMARK(BM_Throughput_TaskExecutor)->UseRealTime();
-
-// Post-to-run latency; spacing 0 is a burst, otherwise posts are spaced by that many
-// microseconds so that the consumer waits in between.
-template <typename Post>
-void latency(benchmark::State& state, Post post) {
-    const auto spacing = std::chrono::microseconds(state.range(0));
-    constexpr int kPosts = 1000;
-    std::vector<double> latencies;
-    for (auto _ : state) {
-        std::vector<double> sample(kPosts);
-        std::atomic<int> done{0};
-        for (int i = 0; i < kPosts; ++i) {
-            const auto posted = Clock::now();
-            post([&sample, &done, posted, i] {
-                sample[static_cast<size_t>(i)] =
-                    std::chrono::duration<double, std::micro>(Clock::now() - posted).count();
-                done.fetch_add(1, std::memory_order_release);
-            });
-            if (spacing.count() > 0) {
-                const auto next = posted + spacing;
-                while (Clock::now() < next) {
-                }
-            }
-        }
-        waitFor(done, kPosts);
-        latencies.insert(latencies.end(), sample.begin(), sample.end());
-    }
-    std::sort(latencies.begin(), latencies.end());
-    state.counters["median_us"] = latencies[latencies.size() / 2];
-    state.counters["p99_us"] = latencies[latencies.size() * 99 / 100];
-}
 
 void BM_Latency_Looper(benchmark::State& state) {
     smarthome::Handler handler([](std::unique_ptr<smarthome::Message>) {});
