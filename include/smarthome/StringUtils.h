@@ -6,6 +6,7 @@
 // Thread-safety: all functions are reentrant and share no state.
 #pragma once
 
+#include <cstdint>
 #include <initializer_list>
 #include <sstream>
 #include <string>
@@ -14,6 +15,10 @@
 #include <vector>
 
 namespace smarthome {
+
+enum class VantorPredefinedKey : int32_t;
+enum class VantorDimensionType : int32_t;
+struct VantorDimension;
 
 class StringUtils {
 public:
@@ -119,6 +124,11 @@ public:
         out << ']';
         return out.str();
     }
+    // The enumerator's name ("PLATFORM", "LONG", ...); "INVALID" for values out of range.
+    static std::string toString(VantorPredefinedKey key);
+    static std::string toString(VantorDimensionType type);
+    // "[d1, d2]" with each dimension in its output-operator form.
+    static std::string toString(const std::vector<VantorDimension>& dimensions);
 };
 
 }  // namespace smarthome
