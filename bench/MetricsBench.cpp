@@ -23,6 +23,12 @@ std::atomic<long> allocations{0};
 
 }  // namespace
 
+// The counting replacements below allocate with malloc and release with free; g++ cannot see
+// that the pair matches once they are inlined into the standard containers.
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic ignored "-Wmismatched-new-delete"
+#endif
+
 void* operator new(std::size_t size) {
     allocations.fetch_add(1, std::memory_order_relaxed);
     if (void* block = std::malloc(size == 0 ? 1 : size)) {
@@ -31,7 +37,6 @@ void* operator new(std::size_t size) {
     throw std::bad_alloc();
 }
 
-// The replaced global allocation functions pair with malloc/free.
 void operator delete(void* block) noexcept {
     std::free(block);
 }
