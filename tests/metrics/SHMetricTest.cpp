@@ -122,11 +122,16 @@ TEST(SHMetric, DimensionListIsAddedAsGivenAndAddDimensionsReturnsFalse) {
     EXPECT_EQ(recordTexts(metrics), std::vector<std::string>{""});  // the call is still made
 }
 
-TEST(SHMetricImpl, UnknownProgramUsesTheFallbackGroupAndStringPointsAreAnded) {
+TEST(SHMetricImpl, EmitsEveryKindInOrderUnderTheFallbackGroupOfAnUnknownProgram) {
     test::MetricsCapture metrics;
     {
         SHMetricImpl impl("OtherProgram", "HueBridgeRequest");
         EXPECT_TRUE(impl.isInitialized());
+        EXPECT_TRUE(impl.addLongDataPoint("count", 3));
+        EXPECT_TRUE(impl.addBoolDataPoint("ok", true));
+        EXPECT_TRUE(impl.addDoubleDataPoint("ratio", 0.5));
+        EXPECT_TRUE(impl.addStringDataPoint("state", "on:off"));
+        EXPECT_TRUE(impl.addPredefinedKey(VantorPredefinedKey::PLATFORM));
         EXPECT_TRUE(impl.addStringDataPoints({}));
         EXPECT_TRUE(impl.addStringDataPoints({{"k", "v"}}));
         EXPECT_FALSE(impl.addPredefinedKey(VantorPredefinedKey::OS_FILE_TAG));
@@ -136,7 +141,8 @@ TEST(SHMetricImpl, UnknownProgramUsesTheFallbackGroupAndStringPointsAreAnded) {
     EXPECT_EQ(records[0].program, "OtherProgram");
     EXPECT_EQ(records[0].groupId, "kq7vnm02");
     EXPECT_EQ(records[0].schemaId, "mu4p/2/01180460");
-    EXPECT_EQ(records[0].record, "k=v;SY");
+    EXPECT_EQ(records[0].record,
+              "count=3;IN,ok=true;BO,ratio=0.500000;FL,state=on-off;SY,_platform=;SY,k=v;SY");
 }
 
 // A derived metric sees every data point the facade adds, through the virtual slots.
