@@ -188,11 +188,17 @@ void Looper::State::run() {
         unsigned long long pass = 0;
         {
             detail::MutexLock lock(mutex);
-            waiting = true;
-            lock.waitUntil(wakeup, Clock::now() + std::chrono::milliseconds(waitMs),
-                           [&]() SH_NO_THREAD_SAFETY_ANALYSIS {
-                               return stopping || flushPending || !queue.empty() || delayedChanged;
-                           });
+            // `waiting` is raised every time the worker goes (back) to sleep: a wake-up
+            // whose cause was withdrawn before the worker ran (a removed message) has been
+            // claimed by its sender, and without raising the flag again the next sender
+            // would not notify a worker that sleeps on.
+            const auto deadline = Clock::now() + std::chrono::milliseconds(waitMs);
+            while (!(stopping || flushPending || !queue.empty() || delayedChanged)) {
+                waiting = true;
+                if (lock.waitUntil(wakeup, deadline) == std::cv_status::timeout) {
+                    break;
+                }
+            }
             waiting = false;
             waitMs = detail::moveDueEntries(delayed, queue, Clock::now());
             delayedChanged = false;

@@ -83,6 +83,11 @@ public:
                    const std::chrono::time_point<Clock, Duration>& deadline, Predicate predicate) {
         return cv.wait_until(lock_, deadline, predicate);
     }
+    template <typename Clock, typename Duration>
+    std::cv_status waitUntil(std::condition_variable& cv,
+                             const std::chrono::time_point<Clock, Duration>& deadline) {
+        return cv.wait_until(lock_, deadline);
+    }
     template <typename Rep, typename Period, typename Predicate>
     bool waitFor(std::condition_variable& cv, const std::chrono::duration<Rep, Period>& timeout,
                  Predicate predicate) {

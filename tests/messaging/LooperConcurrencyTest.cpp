@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <future>
 #include <memory>
 #include <random>
 #include <thread>
@@ -106,6 +107,23 @@ TEST(LooperConcurrency, HandlersDestroyedWhileTheirCallbacksRun) {
         destroyed = true;
         looper->flush();
         ASSERT_EQ(afterDestroy.load(), 0);
+    }
+}
+
+// A message removed before the sleeping worker got to it still cost its wake-up: the
+// worker wakes, finds nothing and sleeps again. The next flush must wake it once more
+// rather than wait for the idle time-out.
+TEST(LooperConcurrency, AWakeUpWhoseMessageWasRemovedIsNotTheLastOne) {
+    auto looper = Looper::create<>();
+    Handler handler(looper, [](std::unique_ptr<Message>) {});
+    for (int round = 0; round < 3000; ++round) {
+        handler.sendEmptyMessage(1);
+        handler.removeMessages(1);
+        auto flushed = std::async(std::launch::async, [&looper] { looper->flush(); });
+        if (flushed.wait_for(test::kTestTimeout) != std::future_status::ready) {
+            handler.sendEmptyMessage(2);  // wakes the worker, so the test can end
+            FAIL() << "flush did not return in round " << round;
+        }
     }
 }
 
