@@ -30,6 +30,14 @@ std::vector<VantorDimension> standardDimensions(const std::string& program,
     return dimensions;
 }
 
+// The standard dimensions, then the metric's one value.
+std::vector<VantorDimension> simpleMetric(const std::string& program, const std::string& source,
+                                          const std::string& metricName, VantorDimension value) {
+    auto dimensions = standardDimensions(program, source, metricName);
+    dimensions.push_back(std::move(value));
+    return dimensions;
+}
+
 VantorDimension predefined(VantorPredefinedKey key) {
     VantorDimension dimension;
     dimension.type = VantorDimensionType::PREDEFINED;
@@ -83,27 +91,21 @@ SHMetric::SHMetric(const std::string& program, const std::string& source,
 
 SHMetric::SHMetric(const std::string& program, const std::string& source, int count,
                    const std::string& metricName)
-    : impl(std::make_unique<SHMetricImpl>(program, source)) {
-    auto dimensions = standardDimensions(program, source, metricName);
-    dimensions.push_back(VantorDimension::createLong("Counter", count));
-    addDimensions(dimensions);
-}
+    : SHMetric(program, source,
+               simpleMetric(program, source, metricName,
+                            VantorDimension::createLong("Counter", count))) {}
 
 SHMetric::SHMetric(const std::string& program, const std::string& source,
                    const std::string& metricName, double ratio)
-    : impl(std::make_unique<SHMetricImpl>(program, source)) {
-    auto dimensions = standardDimensions(program, source, metricName);
-    dimensions.push_back(VantorDimension::createDouble("Ratio", ratio));
-    addDimensions(dimensions);
-}
+    : SHMetric(program, source,
+               simpleMetric(program, source, metricName,
+                            VantorDimension::createDouble("Ratio", ratio))) {}
 
 SHMetric::SHMetric(const std::string& program, const std::string& source,
                    const std::string& metricName, long timeValue)
-    : impl(std::make_unique<SHMetricImpl>(program, source)) {
-    auto dimensions = standardDimensions(program, source, metricName);
-    dimensions.push_back(VantorDimension::createLong("Timer", timeValue));
-    addDimensions(dimensions);
-}
+    : SHMetric(program, source,
+               simpleMetric(program, source, metricName,
+                            VantorDimension::createLong("Timer", timeValue))) {}
 
 SHMetric::SHMetric(const std::string& program, const std::string& source,
                    const std::vector<VantorDimension>& dimensions)

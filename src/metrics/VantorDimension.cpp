@@ -18,29 +18,30 @@ void appendFixed(std::string& out, double value) {
     }
 }
 
+VantorDimension named(const std::string& name, VantorDimensionType type) {
+    VantorDimension dimension;
+    dimension.name = name;
+    dimension.type = type;
+    return dimension;
+}
+
 }  // namespace
 
 VantorDimension VantorDimension::createLong(const std::string& name, long value) {
-    VantorDimension dimension;
-    dimension.name = name;
+    VantorDimension dimension = named(name, VantorDimensionType::LONG);
     dimension.longValue = value;
-    dimension.type = VantorDimensionType::LONG;
     return dimension;
 }
 
 VantorDimension VantorDimension::createString(const std::string& name, const std::string& value) {
-    VantorDimension dimension;
-    dimension.name = name;
+    VantorDimension dimension = named(name, VantorDimensionType::STRING);
     dimension.stringValue = value;
-    dimension.type = VantorDimensionType::STRING;
     return dimension;
 }
 
 VantorDimension VantorDimension::createDouble(const std::string& name, double value) {
-    VantorDimension dimension;
-    dimension.name = name;
+    VantorDimension dimension = named(name, VantorDimensionType::DOUBLE);
     dimension.doubleValue = value;
-    dimension.type = VantorDimensionType::DOUBLE;
     return dimension;
 }
 
