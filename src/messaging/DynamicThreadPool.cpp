@@ -8,6 +8,7 @@
 #include <thread>
 #include <vector>
 
+#include "base/TestSeam.h"
 #include "messaging/Deadline.h"
 #include "smarthome/SmartHomeLogger.h"
 #include "utils/Mutex.h"
@@ -152,6 +153,7 @@ void DynamicThreadPool::enqueue(std::function<void()> call) {
                                              std::memory_order_relaxed)) < s.maxThreads) {
             s.liveThreads.fetch_add(1, std::memory_order_acq_rel);
             try {
+                SMARTHOME_TEST_SEAM(detail::TestSeam::ThreadStart);
                 s.threads.emplace_back(&State::workerFunc, state);
                 s.activeThreads.fetch_add(1, std::memory_order_relaxed);
             } catch (const std::system_error& error) {

@@ -1,9 +1,11 @@
 #include "smarthome/RunUntil.h"
+#include "base/TestSeam.h"
 
 #include <condition_variable>
 #include <exception>
 #include <future>
 
+#include "base/TestSeam.h"
 #include "messaging/Deadline.h"
 #include "smarthome/SmartHomeLogger.h"
 #include "utils/Mutex.h"
@@ -50,6 +52,7 @@ RunUntil::RunUntil(const std::function<bool()>& condition, std::chrono::millisec
     try {
         // Under the default policy: a new thread, or a deferred task when no thread can be
         // created (it then never runs: the destructor finds `done` set first).
+        SMARTHOME_TEST_SEAM(detail::TestSeam::ThreadStart);
         s->poller = std::async([s, condition, interval] { s->poll(condition, interval); });
     } catch (const std::exception& error) {
         logger.e("%s:event=pollerNotStarted,reason=%s", "RunUntil", error.what());

@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/TestSeam.h"
 #include "messaging/Deadline.h"
 #include "smarthome/DelayedTask.h"
 #include "smarthome/SmartHomeLogger.h"
@@ -632,6 +633,7 @@ void TaskExecutor::processAllTasks(const std::shared_ptr<State>& state) {
         if (woken || s.stopped.load()) {
             continue;
         }
+        SMARTHOME_TEST_SEAM(detail::TestSeam::ExecutorLingerEnded);
         if (s.tryEndIdleJob()) {
             s.dropSpares();
             return;

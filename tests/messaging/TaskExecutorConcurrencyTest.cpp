@@ -2,13 +2,16 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <random>
 #include <thread>
 #include <vector>
 
+#include "base/TestSeam.h"
 #include "messaging/ExecutionTestSupport.h"
+#include "messaging/MessagingTestSupport.h"
 #include "smarthome/DynamicThreadPool.h"
 #include "smarthome/TaskExecutor.h"
 
@@ -161,38 +164,55 @@ TEST(TaskExecutorConcurrency, ExecutorsSharingAPoolWhileOneQuits) {
     }
 }
 
-// Sends timed to land around the end of the draining job's 10 ms linger: a task sent just
-// as the job decides to end must start a new job or be taken by the ending one, never be
-// left waiting for a later send.
-TEST(TaskExecutorConcurrency, SendsAtTheEndOfTheLingerAreNeverStranded) {
-    constexpr int kExecutors = 3;
-    constexpr int kRounds = 40;
-    auto pool = std::make_shared<DynamicThreadPool>(kExecutors, 1s);
-    std::vector<std::thread> threads;
-    std::atomic<int> stranded{0};
-    for (int e = 0; e < kExecutors; ++e) {
-        threads.emplace_back([&, e] {
-            TaskExecutor executor(nullptr, pool);
-            std::mt19937 random(static_cast<unsigned>(e));
-            for (int round = 0; round < kRounds; ++round) {
-                std::atomic<bool> ran{false};
-                if (round % 2 == 0) {
-                    ASSERT_TRUE(executor.post([&ran] { ran = true; }));
-                } else {
-                    ASSERT_TRUE(executor.postDelayed([&ran] { ran = true; }, 1ms));
-                }
-                if (!eventually([&ran] { return ran.load(); })) {
-                    ++stranded;
-                    return;
-                }
-                std::this_thread::sleep_for(std::chrono::microseconds(9000 + random() % 3000));
+// Holds the first draining job that reaches the end of its linger until release opens.
+// The state is shared with the hook, which may still be running when this goes.
+struct HeldAtLingerEnd {
+    struct State {
+        test::Gate reached;
+        test::Gate release;
+        std::atomic<bool> armed{true};
+    };
+    std::shared_ptr<State> state = std::make_shared<State>();
+
+    HeldAtLingerEnd() {
+        detail::setTestSeamHook([state = state](detail::TestSeam seam) {
+            if (seam == detail::TestSeam::ExecutorLingerEnded && state->armed.exchange(false)) {
+                state->reached.open();
+                state->release.wait();
             }
         });
     }
-    for (auto& thread : threads) {
-        thread.join();
+    ~HeldAtLingerEnd() {
+        state->release.open();
+        detail::setTestSeamHook(nullptr);
     }
-    EXPECT_EQ(stranded.load(), 0);
+    HeldAtLingerEnd(const HeldAtLingerEnd&) = delete;
+    HeldAtLingerEnd& operator=(const HeldAtLingerEnd&) = delete;
+};
+
+// The draining job's last look at the queues and its end are one step. Held at a seam
+// right after its linger found nothing, the job is sent a task (the send sees a job still
+// running and starts none): released, the job must notice the task and run it rather than
+// end and strand it until some later send.
+TEST(TaskExecutorConcurrency, ATaskSentAsTheJobEndsIsRun) {
+    const struct {
+        const char* kind;
+        std::function<bool(TaskExecutor&, std::function<void()>)> send;
+    } sends[] = {
+        {"immediate", [](TaskExecutor& e, std::function<void()> task) { return e.post(task); }},
+        {"delayed",
+         [](TaskExecutor& e, std::function<void()> task) { return e.postDelayed(task, 1ms); }},
+    };
+    for (const auto& send : sends) {
+        TaskExecutor executor(nullptr);
+        HeldAtLingerEnd held;
+        ASSERT_TRUE(executor.post([] {}));
+        ASSERT_TRUE(held.state->reached.wait()) << send.kind;
+        std::atomic<bool> ran{false};
+        ASSERT_TRUE(send.send(executor, [&ran] { ran = true; }));
+        held.state->release.open();
+        EXPECT_TRUE(eventually([&ran] { return ran.load(); })) << send.kind;
+    }
 }
 
 }  // namespace

@@ -290,17 +290,6 @@ TEST_F(TaskExecutorTest, DrainingJob_KeepsItsWorkerWhileADelayedTaskIsPending) {
     EXPECT_EQ(seen.values(), (std::vector<int>{1, 2}));
 }
 
-TEST_F(TaskExecutorTest, DelayedTaskSentWhileTheJobLingers_IsNotLost) {
-    TaskExecutor executor(recordWhat());
-    for (int round = 0; round < 20; ++round) {
-        ASSERT_TRUE(executor.sendEmptyMessage(round));
-        ASSERT_TRUE(seen.waitFor(static_cast<size_t>(2 * round + 1)));
-        std::this_thread::sleep_for(std::chrono::microseconds(500 * round));  // into the linger
-        ASSERT_TRUE(executor.sendEmptyMessageDelayed(round, 5ms));
-        ASSERT_TRUE(seen.waitFor(static_cast<size_t>(2 * round + 2)));
-    }
-}
-
 TEST_F(TaskExecutorTest, QuitSafely_WithdrawsPendingWorkAndRefusesEverythingAfter) {
     LogCapture capture;
     TaskExecutor executor(recordWhat());
