@@ -72,11 +72,7 @@ public:
     void quitSafely();
 
 private:
-    friend class Looper;
-    // processHandlerMessage without taking the entry: the looper keeps it for reuse.
-    void deliver(MessageOrRunnable& entry);
     void removeCallbacksAndMessagesHelper();
-    bool sendDelayed(std::unique_ptr<MessageOrRunnable> entry, std::chrono::milliseconds delay);
 
     // Shared so that a callback that destroys its own handler keeps running on a live
     // function object.

@@ -16,6 +16,12 @@
 //    delayed work not yet due, and returns when the worker has finished.
 //  - Entries whose handler is gone (validity sentinel false) or absent are dropped.
 //
+// Memory: after a burst has been delivered, the looper gives back the entry storage and
+// container capacity it needed beyond what about a thousand pending entries take.
+// If its thread cannot be created, the constructor logs
+// "Looper:event=workerNotStarted,reason=<why>" at error level and the looper starts out
+// stopped: every send answers false.
+//
 // Ownership: always owned by std::shared_ptr (create<>()); owns its entries. Releasing
 // the last owner stops and joins the worker; if that happens on the worker thread itself
 // (from a callback), the worker is told to quit and finishes on its own afterwards.
@@ -71,15 +77,21 @@ protected:
 private:
     friend class Handler;
     enum class Position { Back, Front };
-    // A handler's own send: the entry is built in the storage of a delivered one when the
-    // looper has one spare, else allocated. Same results as the public sends.
+    // A handler's own sends. The entry borrows the handler's sentinel and is inserted only
+    // while that sentinel holds true, checked under the lock; immediate entries are built
+    // in the looper's entry storage. Same results as the public sends.
     bool sendFromHandler(std::unique_ptr<Message> message, Handler* handler,
                          std::atomic<bool>* sentinel, Position position);
     bool sendFromHandler(std::function<void()> runnable, Handler* handler,
                          std::atomic<bool>* sentinel, Position position);
-    // Keeps a departing handler's sentinel alive until the pass in progress (if any) has
-    // ended: entries of that pass may still read it.
-    void retire(std::shared_ptr<void> sentinel);
+    bool sendDelayedFromHandler(std::unique_ptr<Message> message, Handler* handler,
+                                std::atomic<bool>* sentinel, std::chrono::milliseconds delay);
+    bool sendDelayedFromHandler(std::function<void()> runnable, Handler* handler,
+                                std::atomic<bool>* sentinel, std::chrono::milliseconds delay);
+    // A departing handler, in one step under the lock: clears its sentinel and destroys its
+    // pending entries, so that none can be added afterwards. The sentinel is kept until the
+    // pass in progress (if any) has ended: entries of that pass may still read it.
+    void detach(const Handler* handler, std::shared_ptr<std::atomic<bool>> sentinel);
 
     struct State;
     std::shared_ptr<State> state;

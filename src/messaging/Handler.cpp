@@ -12,11 +12,11 @@ Handler::Handler(const std::shared_ptr<Looper>& looper, const Callback& callback
       sentinel(std::make_shared<std::atomic<bool>>(true)) {}
 
 Handler::~Handler() {
-    // Entries already taken into the looper's current batch are skipped from now on.
-    sentinel->store(false);
+    // Clears the sentinel (entries already taken into the looper's current batch are
+    // skipped from now on) and withdraws this handler's entries in one step, so that a
+    // callback of this handler still running on the looper thread cannot add one after.
+    looper->detach(this, sentinel);
     quitSafely();
-    // This handler's entries borrow the sentinel; the pass in progress may still hold some.
-    looper->retire(std::move(sentinel));
 }
 
 std::unique_ptr<Message> Handler::obtainMessage(int what) const {
@@ -43,11 +43,6 @@ std::unique_ptr<Message> Handler::obtainMessage(int what, void* obj,
     return std::make_unique<Message>(what, -1, -1, std::move(data), obj);
 }
 
-bool Handler::sendDelayed(std::unique_ptr<MessageOrRunnable> entry,
-                          std::chrono::milliseconds delay) {
-    return !quitting.load() && looper->sendDelayedMessageOrRunnable(std::move(entry), delay);
-}
-
 bool Handler::sendEmptyMessage(int what) {
     return sendMessage(obtainMessage(what));
 }
@@ -63,9 +58,8 @@ bool Handler::sendEmptyMessageDelayed(int what, std::chrono::milliseconds delay)
 
 bool Handler::sendMessageDelayed(std::unique_ptr<Message> message,
                                  std::chrono::milliseconds delay) {
-    return sendDelayed(std::unique_ptr<MessageOrRunnable>(
-                           new MessageOrRunnable(std::move(message), this, sentinel.get())),
-                       delay);
+    return !quitting.load() &&
+           looper->sendDelayedFromHandler(std::move(message), this, sentinel.get(), delay);
 }
 
 bool Handler::sendMessageAtFrontOfQueue(std::unique_ptr<Message> message) {
@@ -79,9 +73,8 @@ bool Handler::post(std::function<void()> runnable) {
 }
 
 bool Handler::postDelayed(std::function<void()> runnable, std::chrono::milliseconds delay) {
-    return sendDelayed(std::unique_ptr<MessageOrRunnable>(
-                           new MessageOrRunnable(std::move(runnable), this, sentinel.get())),
-                       delay);
+    return !quitting.load() &&
+           looper->sendDelayedFromHandler(std::move(runnable), this, sentinel.get(), delay);
 }
 
 Handler::Matcher Handler::getMatcherForMsgsWithCodeWhat(int what) const {
@@ -141,21 +134,17 @@ std::shared_ptr<Looper> Handler::getLooper() const {
     return looper;
 }
 
+// The entry is destroyed when this returns; the callback or closure may destroy this
+// handler, so nothing here touches it afterwards.
 void Handler::processHandlerMessage(std::unique_ptr<MessageOrRunnable> entry) {
-    if (entry != nullptr) {
-        deliver(*entry);
-    }
-}
-
-void Handler::deliver(MessageOrRunnable& entry) {
-    if (quitting.load()) {
+    if (entry == nullptr || quitting.load()) {
         return;
     }
-    if (entry.isMsg()) {
+    if (entry->isMsg()) {
         std::shared_ptr<const Callback> running = callback;  // this handler may die inside
-        (*running)(std::move(entry.getMessage()));
+        (*running)(std::move(entry->getMessage()));
     } else {
-        entry.run();
+        entry->run();
     }
 }
 

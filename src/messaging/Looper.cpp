@@ -3,24 +3,43 @@
 #include <algorithm>
 #include <condition_variable>
 #include <deque>
+#include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
 
+#include "base/TestSeam.h"
+#include "messaging/Deadline.h"
 #include "messaging/DelayedSchedule.h"
+#include "messaging/EntryPool.h"
 #include "smarthome/Handler.h"
+#include "smarthome/SmartHomeLogger.h"
 #include "utils/Mutex.h"
 
 namespace smarthome {
 
+namespace {
+
+const SmartHomeLogger logger("Looper");
+
 using Entry = std::unique_ptr<MessageOrRunnable>;
 using Clock = std::chrono::steady_clock;
+
+// What the looper keeps after a burst has drained: this many blocks of entry storage
+// (64 entries each, about 7 KiB), and containers sized for this many entries. Anything a
+// larger burst needed is given back once it has been delivered.
+constexpr size_t kKeptEntryBlocks = 16;
+constexpr size_t kKeptContainerEntries = 4096;
+
+}  // namespace
 
 // Everything the worker uses. Shared between the Looper and its worker thread, so that a
 // worker told to quit from its own thread can finish after the Looper is gone.
 // NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding): the worker's fields get their own line
 struct Looper::State {
     mutable detail::Mutex mutex;
+    // Declared before the containers, so that it outlives every entry they hold.
+    detail::EntryPool pool SH_GUARDED_BY(mutex);
     std::deque<Entry> queue SH_GUARDED_BY(mutex);
     std::condition_variable wakeup;
     std::condition_variable passDone;
@@ -38,37 +57,11 @@ struct Looper::State {
     // Sentinels of departed handlers, released at the end of the pass that may read them.
     std::vector<std::shared_ptr<void>> retired SH_GUARDED_BY(mutex);
     std::thread worker;
-    // Delivered handler entries, emptied, waiting to be refilled by a send. The worker and
-    // the senders each hold at most this many, so that a burst does not pin its memory for
-    // the looper's lifetime (about 100 bytes an entry).
-    static constexpr size_t kMaxSpareEntries = 4096;
-    std::vector<Entry> spare SH_GUARDED_BY(mutex);
-    // Used by the worker thread only: kept across passes so that their storage is reused.
-    // On their own cache line: the worker updates them for every entry it delivers, and
-    // sharing a line with what senders write would make each side's writes stall the other.
+    // Used by the worker thread only, on its own cache line: the worker updates it for
+    // every entry it delivers.
     alignas(64) std::deque<Entry> batch;
-    std::vector<Entry> emptied;
 
     bool onWorker() const { return std::this_thread::get_id() == workerId; }
-
-    // Adds an entry under the lock; false when stopping. Wakes the worker only when it
-    // sleeps: a busy worker looks at the queue again before it sleeps.
-    template <typename Add>
-    bool add(Add addUnderLock) {
-        bool wake = false;
-        {
-            detail::MutexLock lock(mutex);
-            if (stopping) {
-                return false;
-            }
-            addUnderLock();
-            wake = claimWakeup();
-        }
-        if (wake) {
-            wakeup.notify_one();
-        }
-        return true;
-    }
 
     // Whether the caller has to wake the worker. One wake-up per sleep is enough: the
     // worker checks everything that may have changed once it runs, so later senders skip
@@ -79,6 +72,25 @@ struct Looper::State {
         return wake;
     }
 
+    // Runs add() under the lock unless the looper is stopping or accepts() says no;
+    // wakes the worker when it sleeps.
+    template <typename Accepts, typename Add>
+    bool send(Accepts accepts, Add add) {
+        bool wake = false;
+        {
+            detail::MutexLock lock(mutex);
+            if (stopping || !accepts()) {
+                return false;
+            }
+            add();
+            wake = claimWakeup();
+        }
+        if (wake) {
+            wakeup.notify_one();
+        }
+        return true;
+    }
+
     void enqueue(Entry entry, Position position) SH_REQUIRES(mutex) {
         if (position == Position::Front) {
             queue.push_front(std::move(entry));
@@ -87,48 +99,51 @@ struct Looper::State {
         }
     }
 
-    // A handler's send, in a spare entry when there is one. Allocation happens outside
-    // the lock; the payload is destroyed by the caller's frame when the looper refuses.
+    void schedule(Entry entry, std::chrono::milliseconds delay) SH_REQUIRES(mutex) {
+        delayed.push_back(std::make_unique<DelayedMessage>(
+            std::move(entry), detail::deadlineAfter(Clock::now(), delay)));
+        delayedChanged = true;
+    }
+
+    // A handler's immediate send, built in the looper's entry storage.
     template <typename Payload>
     bool sendFromHandler(Payload& payload, Handler* handler, std::atomic<bool>* sentinel,
                          Position position) {
-        bool wake = false;
-        {
-            detail::MutexLock lock(mutex);
-            if (stopping) {
-                return false;
-            }
-            if (!spare.empty()) {
-                Entry entry = std::move(spare.back());
-                spare.pop_back();
-                entry->refill(std::move(payload), handler, sentinel);
-                enqueue(std::move(entry), position);
-                wake = claimWakeup();
-                lock.unlock();
-                if (wake) {
-                    wakeup.notify_one();
-                }
-                return true;
-            }
-        }
-        Entry fresh(new MessageOrRunnable(std::move(payload), handler, sentinel));
-        return add([&]() SH_NO_THREAD_SAFETY_ANALYSIS { enqueue(std::move(fresh), position); });
+        return send([sentinel] { return sentinel->load(); },
+                    [&]() SH_NO_THREAD_SAFETY_ANALYSIS {
+                        Entry entry(new (pool.take())
+                                        MessageOrRunnable(std::move(payload), handler, sentinel));
+                        enqueue(std::move(entry), position);
+                    });
     }
 
-    // Hands the worker's emptied entries to the senders once they have used up the previous
-    // hand-off: a swap, so that the lock is held for the same short time however many
-    // entries a pass delivered.
-    void handOverSpare() SH_REQUIRES(mutex) {
-        if (spare.empty()) {
-            spare.swap(emptied);
+    // A handler's delayed send, on the heap: a delayed entry may wait for a long time and
+    // would keep a whole block of entry storage in use.
+    template <typename Payload>
+    bool sendDelayedFromHandler(Payload& payload, Handler* handler, std::atomic<bool>* sentinel,
+                                std::chrono::milliseconds delay) {
+        if (delay.count() == 0) {
+            return sendFromHandler(payload, handler, sentinel, Position::Back);
         }
+        Entry entry(new MessageOrRunnable(std::move(payload), handler, sentinel));
+        return send([sentinel] { return sentinel->load(); },
+                    [&]() SH_NO_THREAD_SAFETY_ANALYSIS { schedule(std::move(entry), delay); });
     }
 
-    // Bounds what the worker keeps for reuse; the excess is freed outside the lock.
-    void trimEmptied() {
-        while (emptied.size() > kMaxSpareEntries) {
-            emptied.pop_back();
+    // Takes out, under the lock, every entry the predicate accepts; the caller destroys
+    // them after the lock is released.
+    void takeMatching(const Predicate& predicate, std::vector<Entry>& removed) SH_REQUIRES(mutex) {
+        auto keep = std::stable_partition(queue.begin(), queue.end(),
+                                          [&](const Entry& entry) { return !predicate(entry); });
+        std::move(keep, queue.end(), std::back_inserter(removed));
+        queue.erase(keep, queue.end());
+        auto keepDelayed = std::stable_partition(
+            delayed.begin(), delayed.end(),
+            [&](const std::unique_ptr<DelayedMessage>& item) { return !predicate(item->entry); });
+        for (auto it = keepDelayed; it != delayed.end(); ++it) {
+            removed.push_back(std::move((*it)->entry));
         }
+        delayed.erase(keepDelayed, delayed.end());
     }
 
     // Waits until the pass that starts after this call has completed (or the worker is
@@ -142,44 +157,65 @@ struct Looper::State {
 
     void run();
     void deliverBatch();
+    void endPass(unsigned long long pass);
+    void finish(unsigned long long pass);
+};
 
-    // The last pass: discards what is left (outside the lock) and marks the end.
-    void finish(unsigned long long pass) {
+// Delivered without the lock: senders never wait for a callback. Each entry is destroyed
+// as soon as it has run, so nothing it holds outlives its delivery.
+void Looper::State::deliverBatch() {
+    const size_t delivered = batch.size();
+    for (Entry& entry : batch) {
+        if (entry->isHandlerValid()) {
+            Handler* handler = entry->getHandler();
+            handler->processHandlerMessage(std::move(entry));
+        }
+        entry.reset();
+    }
+    batch.clear();
+    if (delivered > kKeptContainerEntries) {
+        std::deque<Entry>().swap(batch);  // gives back the map a burst grew
+    }
+}
+
+void Looper::State::endPass(unsigned long long pass) {
+    std::vector<std::shared_ptr<void>> released;
+    {
+        detail::MutexLock lock(mutex);
+        passesCompleted = pass;
+        released.swap(retired);
+        if (queue.empty()) {
+            // A burst has drained: give back the storage it needed.
+            pool.trim(kKeptEntryBlocks);
+            if (delayed.capacity() > kKeptContainerEntries &&
+                delayed.size() < delayed.capacity() / 4) {
+                delayed.shrink_to_fit();
+            }
+        }
+    }
+    passDone.notify_all();
+}
+
+// The last pass: discards what is left, then marks the end, so that a caller of
+// quitSafely() is released only once every discarded entry has been destroyed.
+void Looper::State::finish(unsigned long long pass) {
+    {
         std::deque<Entry> discardedQueue;
         std::vector<std::unique_ptr<DelayedMessage>> discardedDelayed;
         std::vector<std::shared_ptr<void>> released;
-        std::vector<Entry> discardedSpare;
         {
             detail::MutexLock lock(mutex);
             discardedQueue.swap(queue);
             discardedDelayed.swap(delayed);
             released.swap(retired);
-            discardedSpare.swap(spare);
-            passesCompleted = pass;
-            ended = true;
         }
-        passDone.notify_all();
     }
-};
-
-// Delivered without the lock: senders never wait for a callback.
-void Looper::State::deliverBatch() {
-    for (Entry& entry : batch) {
-        if (!entry->isReusable()) {
-            if (entry->isHandlerValid()) {
-                Handler* handler = entry->getHandler();
-                handler->processHandlerMessage(std::move(entry));
-            }
-            entry.reset();
-            continue;
-        }
-        if (entry->isHandlerValid()) {
-            entry->getHandler()->deliver(*entry);  // the entry stays here, to be reused
-        }
-        entry->clearPayload();
-        emptied.push_back(std::move(entry));
+    {
+        detail::MutexLock lock(mutex);
+        passesCompleted = pass;
+        ended = true;
     }
-    batch.clear();
+    passDone.notify_all();
 }
 
 void Looper::State::run() {
@@ -209,27 +245,27 @@ void Looper::State::run() {
         }
         deliverBatch();
         if (quitting) {
-            emptied.clear();
             finish(pass);
             return;
         }
-        std::vector<std::shared_ptr<void>> released;
-        {
-            detail::MutexLock lock(mutex);
-            passesCompleted = pass;
-            released.swap(retired);
-            handOverSpare();
-        }
-        trimEmptied();
-        passDone.notify_all();
+        endPass(pass);
     }
 }
 
 Looper::Looper() : state(std::make_shared<State>()) {
     std::shared_ptr<State> shared = state;
     detail::MutexLock lock(state->mutex);
-    state->worker = std::thread([shared] { shared->run(); });
-    state->workerId = state->worker.get_id();
+    try {
+        SMARTHOME_TEST_SEAM(detail::TestSeam::ThreadStart);
+        state->worker = std::thread([shared] { shared->run(); });
+        state->workerId = state->worker.get_id();
+    } catch (const std::system_error& error) {
+        // Without a worker nothing could ever run: the looper starts out stopped.
+        logger.e("%s:event=workerNotStarted,reason=%s", "Looper", error.what());
+        state->quit = true;
+        state->stopping = true;
+        state->ended = true;
+    }
 }
 
 Looper::~Looper() {
@@ -249,12 +285,26 @@ std::shared_ptr<Looper> Looper::get() {
 
 bool Looper::sendMessageOrRunnable(std::unique_ptr<MessageOrRunnable> entry) {
     State& s = *state;
-    return s.add([&]() SH_NO_THREAD_SAFETY_ANALYSIS { s.queue.push_back(std::move(entry)); });
+    return s.send(
+        [] { return true; },
+        [&]() SH_NO_THREAD_SAFETY_ANALYSIS { s.enqueue(std::move(entry), Position::Back); });
 }
 
 bool Looper::sendMessageOrRunnableToFront(std::unique_ptr<MessageOrRunnable> entry) {
     State& s = *state;
-    return s.add([&]() SH_NO_THREAD_SAFETY_ANALYSIS { s.queue.push_front(std::move(entry)); });
+    return s.send(
+        [] { return true; },
+        [&]() SH_NO_THREAD_SAFETY_ANALYSIS { s.enqueue(std::move(entry), Position::Front); });
+}
+
+bool Looper::sendDelayedMessageOrRunnable(std::unique_ptr<MessageOrRunnable> entry,
+                                          std::chrono::milliseconds delay) {
+    if (delay.count() == 0) {
+        return sendMessageOrRunnable(std::move(entry));
+    }
+    State& s = *state;
+    return s.send([] { return true; },
+                  [&]() SH_NO_THREAD_SAFETY_ANALYSIS { s.schedule(std::move(entry), delay); });
 }
 
 bool Looper::sendFromHandler(std::unique_ptr<Message> message, Handler* handler,
@@ -267,17 +317,14 @@ bool Looper::sendFromHandler(std::function<void()> runnable, Handler* handler,
     return state->sendFromHandler(runnable, handler, sentinel, position);
 }
 
-bool Looper::sendDelayedMessageOrRunnable(std::unique_ptr<MessageOrRunnable> entry,
-                                          std::chrono::milliseconds delay) {
-    if (delay.count() == 0) {
-        return sendMessageOrRunnable(std::move(entry));
-    }
-    State& s = *state;
-    return s.add([&]() SH_NO_THREAD_SAFETY_ANALYSIS {
-        s.delayed.push_back(
-            std::make_unique<DelayedMessage>(std::move(entry), Clock::now() + delay));
-        s.delayedChanged = true;
-    });
+bool Looper::sendDelayedFromHandler(std::unique_ptr<Message> message, Handler* handler,
+                                    std::atomic<bool>* sentinel, std::chrono::milliseconds delay) {
+    return state->sendDelayedFromHandler(message, handler, sentinel, delay);
+}
+
+bool Looper::sendDelayedFromHandler(std::function<void()> runnable, Handler* handler,
+                                    std::atomic<bool>* sentinel, std::chrono::milliseconds delay) {
+    return state->sendDelayedFromHandler(runnable, handler, sentinel, delay);
 }
 
 bool Looper::hasMessages(const Predicate& predicate) const {
@@ -285,17 +332,10 @@ bool Looper::hasMessages(const Predicate& predicate) const {
     if (state->stopping) {
         return false;
     }
-    for (const Entry& entry : state->queue) {
-        if (predicate(entry)) {
-            return true;
-        }
-    }
-    for (const auto& item : state->delayed) {
-        if (predicate(item->entry)) {
-            return true;
-        }
-    }
-    return false;
+    return std::any_of(state->queue.begin(), state->queue.end(), predicate) ||
+           std::any_of(
+               state->delayed.begin(), state->delayed.end(),
+               [&](const std::unique_ptr<DelayedMessage>& item) { return predicate(item->entry); });
 }
 
 bool Looper::hasAnyMessages() const {
@@ -305,32 +345,24 @@ bool Looper::hasAnyMessages() const {
 
 void Looper::remove(const Predicate& predicate) {
     std::vector<Entry> removed;  // destroyed after the lock is released
-    {
-        detail::MutexLock lock(state->mutex);
-        auto& queue = state->queue;
-        auto keep = std::stable_partition(queue.begin(), queue.end(),
-                                          [&](const Entry& entry) { return !predicate(entry); });
-        for (auto it = keep; it != queue.end(); ++it) {
-            removed.push_back(std::move(*it));
-        }
-        queue.erase(keep, queue.end());
-        auto& delayed = state->delayed;
-        auto keepDelayed = std::stable_partition(
-            delayed.begin(), delayed.end(),
-            [&](const std::unique_ptr<DelayedMessage>& item) { return !predicate(item->entry); });
-        for (auto it = keepDelayed; it != delayed.end(); ++it) {
-            removed.push_back(std::move((*it)->entry));
-        }
-        delayed.erase(keepDelayed, delayed.end());
-    }
+    detail::MutexLock lock(state->mutex);
+    state->takeMatching(predicate, removed);
+    lock.unlock();
 }
 
-void Looper::retire(std::shared_ptr<void> sentinel) {
+void Looper::detach(const Handler* handler, std::shared_ptr<std::atomic<bool>> sentinel) {
+    std::vector<Entry> removed;  // destroyed after the lock is released
+    std::shared_ptr<void> released;
     detail::MutexLock lock(state->mutex);
-    if (!state->ended) {
+    sentinel->store(false);
+    state->takeMatching([handler](const Entry& entry) { return entry->getHandler() == handler; },
+                        removed);
+    if (state->ended) {
+        released = std::move(sentinel);  // no pass can read it any more
+    } else {
         state->retired.push_back(std::move(sentinel));
     }
-    // Once ended, no pass can read it: it is released here, after the lock.
+    lock.unlock();
 }
 
 void Looper::flush() {

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "messaging/EntryPool.h"
 #include "smarthome/Handler.h"
 
 namespace smarthome {
@@ -15,44 +16,41 @@ std::shared_ptr<std::atomic<bool>> sentinelOf(Handler* handler) {
 }  // namespace
 
 MessageOrRunnable::MessageOrRunnable(std::unique_ptr<Message> message, Handler* handler)
-    : impl{std::move(message), nullptr, handler, sentinelOf(handler), nullptr, true, false} {
+    : impl{std::move(message), nullptr, handler, sentinelOf(handler), nullptr, true} {
     impl.sentinel = impl.validity.get();
 }
 
 MessageOrRunnable::MessageOrRunnable(std::function<void()> runnable, Handler* handler)
-    : impl{nullptr, std::move(runnable), handler, sentinelOf(handler), nullptr, false, false} {
+    : impl{nullptr, std::move(runnable), handler, sentinelOf(handler), nullptr, false} {
     impl.sentinel = impl.validity.get();
 }
 
 MessageOrRunnable::MessageOrRunnable(std::unique_ptr<Message> message, Handler* handler,
                                      std::atomic<bool>* borrowedSentinel)
-    : impl{std::move(message), nullptr, handler, nullptr, borrowedSentinel, true, true} {}
+    : impl{std::move(message), nullptr, handler, nullptr, borrowedSentinel, true} {}
 
 MessageOrRunnable::MessageOrRunnable(std::function<void()> runnable, Handler* handler,
                                      std::atomic<bool>* borrowedSentinel)
-    : impl{nullptr, std::move(runnable), handler, nullptr, borrowedSentinel, false, true} {}
+    : impl{nullptr, std::move(runnable), handler, nullptr, borrowedSentinel, false} {}
 
 MessageOrRunnable::~MessageOrRunnable() = default;
 
-void MessageOrRunnable::clearPayload() {
-    impl.message.reset();
-    impl.runnable = nullptr;
+void* MessageOrRunnable::operator new(std::size_t size) {
+    return detail::EntryPool::allocateOnHeap(size);
 }
 
-void MessageOrRunnable::refill(std::unique_ptr<Message> message, Handler* handler,
-                               std::atomic<bool>* borrowedSentinel) {
-    impl.message = std::move(message);
-    impl.handler = handler;
-    impl.sentinel = borrowedSentinel;
-    impl.isMsg = true;
+void* MessageOrRunnable::operator new(std::size_t size, detail::EntrySlot* slot) noexcept {
+    static_cast<void>(size);
+    return detail::EntryPool::storageOf(slot);
 }
 
-void MessageOrRunnable::refill(std::function<void()> runnable, Handler* handler,
-                               std::atomic<bool>* borrowedSentinel) {
-    impl.runnable = std::move(runnable);
-    impl.handler = handler;
-    impl.sentinel = borrowedSentinel;
-    impl.isMsg = false;
+void MessageOrRunnable::operator delete(void* entry) noexcept {
+    detail::EntryPool::release(entry);
+}
+
+void MessageOrRunnable::operator delete(void* entry, detail::EntrySlot* slot) noexcept {
+    static_cast<void>(slot);
+    detail::EntryPool::release(entry);  // a constructor threw: the slot goes back
 }
 
 Handler* MessageOrRunnable::getHandler() const {

@@ -110,6 +110,43 @@ TEST(LooperConcurrency, HandlersDestroyedWhileTheirCallbacksRun) {
     }
 }
 
+// A callback that keeps re-arming delayed work on its own handler while another thread
+// destroys that handler: no entry may outlive the handler and read its memory when it falls
+// due (AddressSanitizer sees such a read). Another handler on the same looper goes on
+// receiving, and a third thread queries the looper throughout.
+TEST(LooperConcurrency, AHandlerDestroyedWhileItsCallbackReArmsDelayedWork) {
+    auto looper = Looper::create<>();
+    test::Recorder survivor;
+    Handler other(looper, [&](std::unique_ptr<Message> message) { survivor.add(message->what); });
+    std::atomic<bool> stop{false};
+    std::thread querier([&] {
+        while (!stop) {
+            looper->hasAnyMessages();
+            other.hasMessages(1);
+        }
+    });
+    for (int round = 0; round < 200; ++round) {
+        auto handler = std::make_unique<Handler>(looper, [](std::unique_ptr<Message>) {});
+        Handler* self = handler.get();
+        test::Gate running;
+        // Re-arms until the handler refuses, so that it is still posting when the
+        // destruction starts.
+        handler->post([&] {
+            running.open();
+            while (self->postDelayed([] {}, 1ms) &&
+                   self->sendMessageDelayed(self->obtainMessage(1), 1ms)) {
+            }
+        });
+        ASSERT_TRUE(running.wait());
+        handler.reset();
+        ASSERT_TRUE(other.sendEmptyMessageDelayed(round, 2ms));
+        ASSERT_TRUE(survivor.waitFor(static_cast<size_t>(round) + 1));
+    }
+    stop = true;
+    querier.join();
+    EXPECT_EQ(survivor.values().size(), 200u);
+}
+
 // A message removed before the sleeping worker got to it still cost its wake-up: the
 // worker wakes, finds nothing and sleeps again. The next flush must wake it once more
 // rather than wait for the idle time-out.

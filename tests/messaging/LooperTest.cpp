@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <thread>
 #include <vector>
@@ -304,7 +305,7 @@ private:
     std::atomic<int>& destroyed;
 };
 
-TEST_F(LooperTest, EntriesBuiltByTheCallerAreDestroyedNotReused) {
+TEST_F(LooperTest, EntriesBuiltByTheCallerAreDestroyedAsWhatTheyAre) {
     std::atomic<int> destroyed{0};
     for (int i = 0; i < 4; ++i) {
         ASSERT_TRUE(looper->sendMessageOrRunnable(std::make_unique<CountedEntry>(
@@ -312,11 +313,89 @@ TEST_F(LooperTest, EntriesBuiltByTheCallerAreDestroyedNotReused) {
     }
     ASSERT_TRUE(looper->sendMessageOrRunnable(
         std::make_unique<CountedEntry>(std::make_unique<Message>(9), nullptr, destroyed)));
-    handler->sendEmptyMessage(5);  // may run in storage of a delivered handler entry only
+    handler->sendEmptyMessage(5);
     ASSERT_TRUE(recorder.waitFor(5));
     looper->flush();
     EXPECT_EQ(recorder.values(), (std::vector<int>{0, 1, 2, 3, 5}));
     EXPECT_EQ(destroyed.load(), 5);
+}
+
+// Delays too large for the clock saturate: the entry waits (for ever, in practice) instead
+// of overflowing into the past and running at once; the most negative delay runs next.
+TEST_F(LooperTest, DelaysBeyondTheClocksRangeSaturate) {
+    using Hours = std::chrono::hours;
+    const struct {
+        int what;
+        std::chrono::milliseconds delay;
+        bool runs;
+    } cases[] = {
+        {1, std::chrono::milliseconds::max(), false},
+        {2, std::chrono::duration_cast<std::chrono::milliseconds>(Hours(24 * 365 * 400)), false},
+        {3, std::chrono::milliseconds::max() - 1ms, false},
+        {4, std::chrono::milliseconds::min(), true},
+    };
+    for (const auto& c : cases) {
+        ASSERT_TRUE(handler->sendEmptyMessageDelayed(c.what, c.delay));
+        ASSERT_TRUE(handler->postDelayed([this, c] { recorder.add(10 + c.what); }, c.delay));
+    }
+    ASSERT_TRUE(recorder.waitFor(2));
+    looper->flush();
+    EXPECT_EQ(recorder.values(), (std::vector<int>{4, 14}));
+    for (const auto& c : cases) {
+        EXPECT_EQ(handler->hasMessages(c.what), !c.runs) << c.what;
+    }
+}
+
+// quitSafely() releases its caller only once the entries it discards are gone: whatever
+// their closures captured has been destroyed by then.
+TEST_F(LooperTest, QuitSafelyReturnsOnlyAfterDiscardedEntriesAreDestroyed) {
+    struct SlowToRelease {
+        explicit SlowToRelease(std::shared_ptr<std::atomic<bool>> released)
+            : released(std::move(released)) {}
+        SlowToRelease(const SlowToRelease&) = delete;
+        SlowToRelease& operator=(const SlowToRelease&) = delete;
+        std::shared_ptr<std::atomic<bool>> released;
+        ~SlowToRelease() {
+            std::this_thread::sleep_for(50ms);  // widens the window an early return would hit
+            *released = true;
+        }
+    };
+    auto released = std::make_shared<std::atomic<bool>>(false);
+    auto capture = std::make_shared<SlowToRelease>(released);
+    ASSERT_TRUE(handler->postDelayed([capture] {}, 1h));
+    capture.reset();
+    looper->quitSafely();
+    EXPECT_TRUE(*released);
+}
+
+// What a looper keeps after a burst has drained is bounded, whatever the burst's size:
+// entry storage, queue and delayed-list capacity go back once it is delivered.
+TEST(LooperMemory, ABurstLeavesAtMostABoundedReserveBehind) {
+    constexpr size_t kBound = 256 * 1024;
+    constexpr int kBurst = 200000;
+    const struct {
+        const char* name;
+        std::function<void(Handler&, int)> send;
+    } bursts[] = {
+        {"closures", [](Handler& h, int) { h.post([] {}); }},
+        {"messages", [](Handler& h, int i) { h.sendEmptyMessage(i); }},
+        {"front messages",
+         [](Handler& h, int i) { h.sendMessageAtFrontOfQueue(h.obtainMessage(i)); }},
+        {"delayed into the past", [](Handler& h, int i) { h.sendEmptyMessageDelayed(i, -1ms); }},
+    };
+    for (const auto& burst : bursts) {
+        Handler handler([](std::unique_ptr<Message>) {});
+        handler.post([] {});
+        handler.getLooper()->flush();
+        const size_t idle = test::allocatedBytes();
+        for (int i = 0; i < kBurst; ++i) {
+            burst.send(handler, i);
+        }
+        handler.getLooper()->flush();
+        handler.getLooper()->flush();  // the pass after the last delayed entries fell due
+        const size_t after = test::allocatedBytes();
+        EXPECT_LE(after, idle + kBound) << burst.name << ": " << (after - idle) << " bytes kept";
+    }
 }
 
 TEST(LooperLifecycle, AHandlerWithItsOwnLooperStopsItsThread) {

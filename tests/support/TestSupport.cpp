@@ -1,5 +1,19 @@
 #include "support/TestSupport.h"
 
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define SMARTHOME_TEST_UNDER_SANITIZER 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define SMARTHOME_TEST_UNDER_SANITIZER 1
+#endif
+#endif
+#ifdef SMARTHOME_TEST_UNDER_SANITIZER
+// Provided by every sanitizer runtime (g++ does not install the header that declares it).
+extern "C" size_t __sanitizer_get_current_allocated_bytes();
+#else
+#include <malloc.h>
+#endif
+
 #include <stdlib.h>
 
 #include <filesystem>
@@ -94,6 +108,15 @@ bool writeFile(const std::string& path, const std::string& text) {
     std::ofstream out(path, std::ios::binary | std::ios::trunc);
     out << text;
     return static_cast<bool>(out);
+}
+
+size_t allocatedBytes() {
+#ifdef SMARTHOME_TEST_UNDER_SANITIZER
+    return __sanitizer_get_current_allocated_bytes();
+#else
+    const struct mallinfo2 info = mallinfo2();
+    return info.uordblks + info.hblkhd;
+#endif
 }
 
 }  // namespace test

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -80,6 +81,10 @@ public:
 private:
     std::string path_;
 };
+
+// Bytes the process's heap has handed out and not yet taken back (malloc's statistics, or
+// the sanitizer allocator's under a sanitizer), for tests that bound what an object keeps.
+size_t allocatedBytes();
 
 // Writes text to path (binary), replacing it; returns false on failure.
 bool writeFile(const std::string& path, const std::string& text);
