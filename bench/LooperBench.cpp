@@ -79,17 +79,35 @@ private:
     std::thread worker_;
 };
 
+// Runs start, which creates the consumer thread; pinned, the two threads are placed on two
+// CPUs for as long as the result lives.
+template <typename Start>
+std::unique_ptr<CrossCorePlacement> startConsumer(bool pinned, Start start) {
+    if (!pinned) {
+        start();
+        return nullptr;
+    }
+    return std::make_unique<CrossCorePlacement>(start);
+}
+
+// Warm bursts of 10 000 posts to one long-lived queue, with the threads wherever the
+// scheduler puts them (as in a daemon), and again with producer and consumer pinned to two
+// CPUs (reported beside, never instead).
+template <bool kPinned>
 void BM_Throughput_MinimalQueue(benchmark::State& state) {
     std::unique_ptr<MinimalQueue> queue;
-    CrossCorePlacement placement([&] { queue = std::make_unique<MinimalQueue>(); });
+    auto start = [&] { queue = std::make_unique<MinimalQueue>(); };
+    auto placement = startConsumer(kPinned, start);
     throughput(state, [&](std::function<void()> task) { queue->post(std::move(task)); });
 }
 
+template <bool kPinned>
 void BM_Throughput_Looper(benchmark::State& state) {
     std::unique_ptr<smarthome::Handler> handler;
-    CrossCorePlacement placement([&] {
+    auto start = [&] {
         handler = std::make_unique<smarthome::Handler>([](std::unique_ptr<smarthome::Message>) {});
-    });
+    };
+    auto placement = startConsumer(kPinned, start);
     throughput(state, [&](std::function<void()> task) { handler->post(std::move(task)); });
 }
 
@@ -97,18 +115,58 @@ void BM_Throughput_Looper(benchmark::State& state) {
 void BM_Throughput_Asio(benchmark::State& state) {
     boost::asio::io_context context;
     auto guard = boost::asio::make_work_guard(context);
-    std::thread runner;
-    CrossCorePlacement placement([&] { runner = std::thread([&] { context.run(); }); });
+    std::thread runner([&] { context.run(); });
     throughput(state,
                [&](std::function<void()> task) { boost::asio::post(context, std::move(task)); });
     guard.reset();
     runner.join();
 }
-BENCHMARK(BM_Throughput_Asio)->UseRealTime();
+BENCHMARK(BM_Throughput_Asio)->UseRealTime()->Repetitions(5);
 #endif
 
-BENCHMARK(BM_Throughput_MinimalQueue)->UseRealTime();
-BENCHMARK(BM_Throughput_Looper)->UseRealTime();
+BENCHMARK_TEMPLATE(BM_Throughput_MinimalQueue, false)->UseRealTime()->Repetitions(5);
+BENCHMARK_TEMPLATE(BM_Throughput_Looper, false)->UseRealTime()->Repetitions(5);
+BENCHMARK_TEMPLATE(BM_Throughput_MinimalQueue, true)->UseRealTime()->Repetitions(5);
+BENCHMARK_TEMPLATE(BM_Throughput_Looper, true)->UseRealTime()->Repetitions(5);
+
+// A cold burst: 200 000 posts to a freshly made queue (a new Handler, and so a new Looper
+// and thread), timed from the first post until the last one has run. Nothing is warm: no
+// spare entries, no grown containers, no allocator caches of the new thread.
+constexpr int kColdBurst = 200000;
+
+template <typename Make, typename Post>
+void coldBurst(benchmark::State& state, Make make, Post post) {
+    for (auto _ : state) {
+        auto target = make();
+        std::atomic<int> done{0};
+        const auto begin = Clock::now();
+        for (int i = 0; i < kColdBurst; ++i) {
+            post(*target, [&done] { done.fetch_add(1, std::memory_order_release); });
+        }
+        smarthome::bench::waitFor(done, kColdBurst);
+        state.SetIterationTime(std::chrono::duration<double>(Clock::now() - begin).count());
+    }
+    state.SetItemsProcessed(state.iterations() * kColdBurst);
+}
+
+void BM_ColdBurst_MinimalQueue(benchmark::State& state) {
+    coldBurst(
+        state, [] { return std::make_unique<MinimalQueue>(); },
+        [](MinimalQueue& queue, std::function<void()> task) { queue.post(std::move(task)); });
+}
+
+void BM_ColdBurst_Looper(benchmark::State& state) {
+    coldBurst(
+        state,
+        [] {
+            return std::make_unique<smarthome::Handler>([](std::unique_ptr<smarthome::Message>) {});
+        },
+        [](smarthome::Handler& handler, std::function<void()> task) {
+            handler.post(std::move(task));
+        });
+}
+BENCHMARK(BM_ColdBurst_MinimalQueue)->UseManualTime()->Iterations(3)->Repetitions(5);
+BENCHMARK(BM_ColdBurst_Looper)->UseManualTime()->Iterations(3)->Repetitions(5);
 
 // Post-to-run latency for a burst and for spaced posts (idle wake-up).
 void BM_Latency_Looper(benchmark::State& state) {
@@ -188,11 +246,18 @@ int main(int argc, char** argv) {
     smarthome::bench::RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     bool ok = reporter.printRatios(
-        {{"BM_Throughput_MinimalQueue/real_time", "BM_Throughput_Looper/real_time"}}, 0.7,
-        "Looper throughput relative to the minimal queue");
+        {{"BM_Throughput_MinimalQueue<false>/repeats:5/real_time",
+          "BM_Throughput_Looper<false>/repeats:5/real_time"},
+         {"BM_ColdBurst_MinimalQueue/iterations:3/repeats:5/manual_time",
+          "BM_ColdBurst_Looper/iterations:3/repeats:5/manual_time"}},
+        0.7, "Looper throughput relative to the minimal queue, unpinned (warm, cold)");
+    reporter.printRatios({{"BM_Throughput_MinimalQueue<true>/repeats:5/real_time",
+                           "BM_Throughput_Looper<true>/repeats:5/real_time"}},
+                         0.7, "The same, producer and consumer pinned to two CPUs (reference)");
 #ifdef SMARTHOME_BENCH_WITH_ASIO
-    ok = reporter.printRatios({{"BM_Throughput_Asio/real_time", "BM_Throughput_Looper/real_time"}},
-                              1.0, "Looper throughput relative to boost::asio") &&
+    ok = reporter.printRatios({{"BM_Throughput_Asio/repeats:5/real_time",
+                                "BM_Throughput_Looper<false>/repeats:5/real_time"}},
+                              1.0, "Looper throughput relative to boost::asio, unpinned") &&
          ok;
 #endif
     benchmark::Shutdown();

@@ -1,11 +1,12 @@
 // Console reporter that also remembers each benchmark's time per iteration, so that a
 // benchmark program can print ratios between a baseline and the library's code measured
-// in the same run. With repetitions, the fastest repetition counts (the least disturbed by
-// the rest of the machine).
+// in the same run. With repetitions, the median repetition counts: neither the luckiest nor
+// the most disturbed run decides.
 #pragma once
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <map>
 #include <string>
@@ -21,10 +22,7 @@ public:
             if (run.run_type == Run::RT_Iteration && run.iterations > 0) {
                 const double ns =
                     run.GetAdjustedRealTime() * multiplierToNanoseconds(run.time_unit);
-                auto known = nanoseconds_.find(run.run_name.str());
-                if (known == nanoseconds_.end() || ns < known->second) {
-                    nanoseconds_[run.run_name.str()] = ns;
-                }
+                samples_[run.run_name.str()].push_back(ns);
             }
         }
         ConsoleReporter::ReportRuns(runs);
@@ -37,15 +35,14 @@ public:
         bool ok = true;
         std::printf("\n%s (baseline / library; required >= %.2f)\n", title, minimum);
         for (const auto& pair : pairs) {
-            auto baseline = nanoseconds_.find(pair.first);
-            auto measured = nanoseconds_.find(pair.second);
-            if (baseline == nanoseconds_.end() || measured == nanoseconds_.end() ||
-                measured->second <= 0) {
+            const double baseline = median(pair.first);
+            const double measured = median(pair.second);
+            if (baseline <= 0 || measured <= 0) {
                 std::printf("  %-60s missing\n", pair.second.c_str());
                 ok = false;
                 continue;
             }
-            double ratio = baseline->second / measured->second;
+            double ratio = baseline / measured;
             std::printf("  %-60s %8.2f  %s\n", pair.second.c_str(), ratio,
                         ratio >= minimum ? "ok" : "BELOW TARGET");
             ok = ok && ratio >= minimum;
@@ -67,7 +64,19 @@ private:
         }
     }
 
-    std::map<std::string, double> nanoseconds_;
+    // Median time per iteration of a benchmark's repetitions; 0 when it did not run.
+    double median(const std::string& name) const {
+        auto found = samples_.find(name);
+        if (found == samples_.end() || found->second.empty()) {
+            return 0;
+        }
+        std::vector<double> sorted = found->second;
+        std::sort(sorted.begin(), sorted.end());
+        const size_t middle = sorted.size() / 2;
+        return sorted.size() % 2 == 1 ? sorted[middle] : (sorted[middle - 1] + sorted[middle]) / 2;
+    }
+
+    std::map<std::string, std::vector<double>> samples_;
 };
 
 }  // namespace bench
