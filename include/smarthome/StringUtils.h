@@ -88,8 +88,9 @@ public:
     static std::pair<bool, unsigned long long> hexStringToUint64(const std::string& s);
 
     // ---- hex and bytes ------------------------------------------------------------------
-    // One byte per character pair, parsed by strtol base 16, into out (which must hold
-    // s.size() / 2 bytes). A final unpaired character is converted on its own.
+    // One byte per whole character pair, parsed by strtol base 16, into out (which must
+    // hold s.size() / 2 bytes). A final unpaired character is ignored, so nothing is
+    // written past s.size() / 2 bytes; a null out writes nothing.
     static void hexStringToByteArray(const std::string& s, unsigned char* out);
     // Empty for an empty or odd-length s.
     static std::vector<unsigned char> hexStringToByteVector(const std::string& s);

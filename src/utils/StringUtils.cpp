@@ -458,9 +458,9 @@ void StringUtils::hexStringToByteArray(const std::string& s, unsigned char* out)
     if (out == nullptr) {
         return;
     }
-    for (size_t i = 0; i < s.size(); i += 2) {
-        char low = i + 1 < s.size() ? s[i + 1] : '\0';
-        out[i / 2] = hexPairToByte(s[i], low);
+    // Whole pairs only: a final unpaired character has no byte of its own in out.
+    for (size_t i = 0; i + 1 < s.size(); i += 2) {
+        out[i / 2] = hexPairToByte(s[i], s[i + 1]);
     }
 }
 

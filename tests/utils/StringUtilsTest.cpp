@@ -5,6 +5,7 @@
 #include <climits>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace smarthome {
@@ -234,10 +235,14 @@ TEST(StringUtilsHex, BytesAndHexText) {
     EXPECT_TRUE(StringUtils::hexStringToByteVector("abc").empty());
     EXPECT_TRUE(StringUtils::hexStringToByteVector("").empty());
     EXPECT_EQ(StringUtils::hexStringToByteVector("zz1g"), (std::vector<unsigned char>{0, 1}));
-    unsigned char out[2] = {9, 9};
-    StringUtils::hexStringToByteArray("a", out);
-    EXPECT_EQ(out[0], 0x0a);
-    EXPECT_EQ(out[1], 9);
+    // Whole pairs only: the bytes after s.size() / 2 keep their guard value.
+    const std::pair<const char*, std::vector<unsigned char>> arrays[] = {
+        {"abc", {0xab, 0x99, 0x99}}, {"a", {0x99, 0x99, 0x99}}, {"0aFf", {0x0a, 0xff, 0x99}}};
+    for (const auto& [text, expected] : arrays) {
+        std::vector<unsigned char> out(3, 0x99);
+        StringUtils::hexStringToByteArray(text, out.data());
+        EXPECT_EQ(out, expected) << text;
+    }
     EXPECT_EQ(StringUtils::byteVectorToHexString({0x00, 0x0f, 0xab}), "000fab");
     EXPECT_EQ(StringUtils::byteVectorToString({'h', 'i'}), "hi");
     EXPECT_EQ(StringUtils::uint64ToHexString(255), "ff");
