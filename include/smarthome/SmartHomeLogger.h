@@ -29,9 +29,14 @@ public:
     // Tag "SmartHome:" + tag.
     explicit SmartHomeLogger(std::string tag);
     // Tag "SmartHome:" + each part followed by ':', then the last character removed;
-    // an empty list gives "SmartHome".
+    // an empty list gives "SmartHome". Written SmartHomeLogger({"Looper", "Main"}).
     SmartHomeLogger(std::initializer_list<const char* const> parts);
     // As above, then "(" + compressAndObfuscateUid(id) + ")": a per-device tag stays short.
+    // Call these with parentheses, never braces: SmartHomeLogger{"Zigbee", mac.c_str()}
+    // is a two-part list, so the raw id ends up in the tag unmasked. A default member
+    // initialiser is written "= SmartHomeLogger(...)" (no copy is made, so no re-prefix).
+    // The ctest SmartHomeLogger.constructedWithParentheses rejects any braced construction
+    // in the repository's sources.
     SmartHomeLogger(std::string tag, std::string id);
     SmartHomeLogger(std::initializer_list<const char* const> parts, std::string id);
     // Deliberately prefixes again: a copy of "SmartHome:X" is tagged "SmartHome:SmartHome:X".

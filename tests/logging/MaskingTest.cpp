@@ -16,7 +16,7 @@ protected:
     void SetUp() override { port::clearSystemProperties(); }
     void TearDown() override { port::clearSystemProperties(); }
 
-    const SmartHomeLogger logger{"Masking"};
+    const SmartHomeLogger logger = SmartHomeLogger("Masking");
     test::LogCapture capture;  // masking never logs
 };
 
