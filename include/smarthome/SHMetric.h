@@ -18,8 +18,11 @@
 // A Device that several threads update needs outside locking.
 #pragma once
 
+#include <initializer_list>
+#include <limits>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "smarthome/MetricMeta.h"
@@ -41,9 +44,36 @@ public:
     // Standard dimensions, then LONG "Timer" = timeValue.
     SHMetric(const std::string& program, const std::string& source, const std::string& metricName,
              long timeValue);
+    // Additions to the two constructors above, so that a value's kind, not its exact type,
+    // picks the form: without them an int, unsigned or long long value is ambiguous between
+    // double and long, and code written with int64_t (long here, long long on a 32-bit
+    // device) builds on one platform only.
+    // - Every other integer type is a timer; a value outside long's range is clamped to
+    //   its nearest bound (LONG_MAX for a huge unsigned value, never a wrapped negative).
+    template <
+        typename Integer,
+        std::enable_if_t<std::is_integral_v<Integer> && !std::is_same_v<Integer, bool>, int> = 0>
+    SHMetric(const std::string& program, const std::string& source, const std::string& metricName,
+             Integer timeValue)
+        : SHMetric(program, source, metricName, clampToLong(timeValue)) {}
+    // - Every other floating type is a ratio; a long double beyond double's range becomes
+    //   the infinity of its sign.
+    template <typename Floating, std::enable_if_t<std::is_floating_point_v<Floating>, int> = 0>
+    SHMetric(const std::string& program, const std::string& source, const std::string& metricName,
+             Floating ratio)
+        : SHMetric(program, source, metricName, toDouble(ratio)) {}
+    // - A bool is neither a duration nor a ratio: it does not compile here. Record a flag as
+    //   a BOOLEAN dimension in a dimension list.
+    SHMetric(const std::string& program, const std::string& source, const std::string& metricName,
+             bool) = delete;
     // Exactly the given dimensions.
     SHMetric(const std::string& program, const std::string& source,
              const std::vector<VantorDimension>& dimensions);
+    // Addition: exactly the listed dimensions, as the vector form. It makes SHMetric(program,
+    // source, {}) mean the empty dimension list (a record without data points) instead of
+    // being ambiguous between an empty list and an empty metric name.
+    SHMetric(const std::string& program, const std::string& source,
+             std::initializer_list<VantorDimension> dimensions);
     // Ends the SHMetricImpl, which emits the metric.
     virtual ~SHMetric();
     SHMetric(const SHMetric&) = delete;
@@ -139,6 +169,28 @@ public:
     };
 
 private:
+    template <typename Integer>
+    static constexpr long clampToLong(Integer value) {
+        using Limits = std::numeric_limits<long>;
+        if constexpr (std::is_signed_v<Integer>) {
+            const auto wide = static_cast<long long>(value);
+            return wide < Limits::min()   ? Limits::min()
+                   : wide > Limits::max() ? Limits::max()
+                                          : static_cast<long>(wide);
+        } else {
+            const auto wide = static_cast<unsigned long long>(value);
+            return wide > static_cast<unsigned long>(Limits::max()) ? Limits::max()
+                                                                    : static_cast<long>(wide);
+        }
+    }
+    template <typename Floating>
+    static constexpr double toDouble(Floating value) {
+        using Limits = std::numeric_limits<double>;
+        return value > Limits::max()    ? Limits::infinity()
+               : value < -Limits::max() ? -Limits::infinity()
+                                        : static_cast<double>(value);
+    }
+
     std::unique_ptr<SHMetricImpl> impl;
 };
 

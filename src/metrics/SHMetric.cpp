@@ -113,6 +113,10 @@ SHMetric::SHMetric(const std::string& program, const std::string& source,
     addDimensions(dimensions);
 }
 
+SHMetric::SHMetric(const std::string& program, const std::string& source,
+                   std::initializer_list<VantorDimension> dimensions)
+    : SHMetric(program, source, std::vector<VantorDimension>(dimensions)) {}
+
 SHMetric::~SHMetric() = default;
 
 bool SHMetric::isInitialized() const {

@@ -4,7 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdint>
+#include <limits>
 #include <string>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "smarthome/DynamicCapabilityReportingMetricsHelper.h"
@@ -80,16 +84,51 @@ TEST(SHMetric, CounterMetricEmitsNineDataPointsOnceWhenDestroyed) {
                   "Counter,type: LONG,value: 1]"});
 }
 
+// The record of SHMetric(program, source, "Value", value).
+template <typename T>
+std::string valueRecord(T value) {
+    test::MetricsCapture metrics;
+    SHMetric("SmartHome", "ZigbeeOtaUpdate", "Value", value);
+    const auto texts = recordTexts(metrics);
+    return texts.size() == 1 ? texts[0] : "records: " + std::to_string(texts.size());
+}
+
 TEST(SHMetric, EachConstructorAddsItsValueAfterTheStandardDimensions) {
+    // Every integer type is a timer, every floating type a ratio, on any platform.
+    const auto timer = [](const std::string& v) { return "Timer=" + v + ";IN"; };
+    const auto ratio = [](const std::string& v) { return "Ratio=" + v + ";FL"; };
+    const std::pair<std::string, std::string> cases[] = {
+        {valueRecord(short{-3}), timer("-3")},
+        {valueRecord(7), timer("7")},
+        {valueRecord(7u), timer("7")},
+        {valueRecord(1500L), timer("1500")},
+        {valueRecord(7UL), timer("7")},
+        {valueRecord(7LL), timer("7")},
+        {valueRecord(7ULL), timer("7")},
+        {valueRecord(int64_t{-7}), timer("-7")},
+        {valueRecord(uint32_t{4000000000u}), timer("4000000000")},
+        {valueRecord(size_t{7}), timer("7")},
+        {valueRecord(std::numeric_limits<unsigned long long>::max()),
+         timer(std::to_string(std::numeric_limits<long>::max()))},
+        {valueRecord(std::numeric_limits<long long>::min()),
+         timer(std::to_string(std::numeric_limits<long>::min()))},
+        {valueRecord(0.5f), ratio("0.500000")},
+        {valueRecord(0.25), ratio("0.250000")},
+        {valueRecord(2.5L), ratio("2.500000")},
+        {valueRecord(-std::numeric_limits<long double>::max()), ratio("-inf")}};
+    for (const auto& [record, tail] : cases) {
+        EXPECT_EQ(record, simpleRecord("ZigbeeOtaUpdate", "Value", tail));
+    }
+    static_assert(!std::is_constructible_v<SHMetric, std::string, std::string, std::string, bool>,
+                  "a flag is not a timer");
+
+    // A count comes before the name; {} is the empty dimension list (no data points).
     test::MetricsCapture metrics;
     SHMetric("SmartHome", "ZigbeeOtaUpdate", 7, "Retries");
-    SHMetric("SmartHome", "ZigbeeOtaUpdate", "Success", 0.25);
-    SHMetric("SmartHome", "ZigbeeOtaUpdate", "Duration", 1500L);
+    SHMetric("SmartHome", "ZigbeeOtaUpdate", {});
     EXPECT_EQ(
         recordTexts(metrics),
-        (std::vector<std::string>{simpleRecord("ZigbeeOtaUpdate", "Retries", "Counter=7;IN"),
-                                  simpleRecord("ZigbeeOtaUpdate", "Success", "Ratio=0.250000;FL"),
-                                  simpleRecord("ZigbeeOtaUpdate", "Duration", "Timer=1500;IN")}));
+        (std::vector<std::string>{simpleRecord("ZigbeeOtaUpdate", "Retries", "Counter=7;IN"), ""}));
 }
 
 TEST(SHMetric, DimensionListIsAddedAsGivenAndAddDimensionsReturnsFalse) {
