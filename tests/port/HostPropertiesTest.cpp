@@ -51,6 +51,17 @@ TEST_F(HostProperties, SetEnforcesNamesAndValueRules) {
     EXPECT_EQ(property_set("null.value", nullptr), 0);
     EXPECT_EQ(get("null.value", "d"), "d");
 
+    // PROPERTY_KEY_MAX sizes a caller's name buffer; the store keeps longer names whole.
+    static_assert(PROPERTY_KEY_MAX == 32, "the device's name size");
+    const size_t nameLengths[] = {31, 32, 33, 200};
+    for (size_t length : nameLengths) {
+        const std::string name(length, 'k');
+        EXPECT_EQ(property_set(name.c_str(), std::to_string(length).c_str()), 0) << length;
+    }
+    for (size_t length : nameLengths) {
+        EXPECT_EQ(get(std::string(length, 'k').c_str()), std::to_string(length)) << length;
+    }
+
     EXPECT_EQ(property_set("long.value", std::string(91, 'v').c_str()), 0);
     EXPECT_EQ(property_set("long.value", std::string(92, 'v').c_str()), -1);
     EXPECT_EQ(get("long.value"), std::string(91, 'v'));

@@ -1,6 +1,9 @@
 // Host stand-in for the device's system-property interface, with the device's rules:
 //
 // - PROP_VALUE_MAX is 92: a value read back holds at most 91 characters plus NUL.
+// - PROPERTY_KEY_MAX is 32, the device's name size (31 characters plus NUL), for callers
+//   that keep a name in a fixed buffer. The store itself does not limit names: a name of
+//   32 characters or more is set and read like any other, whole, never cut to 31.
 // - property_get(key, value, default) writes the property into value and returns its
 //   length. A missing property reads exactly like an empty one: then default is
 //   copied (cut to 91 characters) and its length returned, or "" and 0 when default
@@ -31,8 +34,9 @@
 extern "C" {
 #endif
 
+#define PROP_NAME_MAX 32
 #define PROP_VALUE_MAX 92
-#define PROPERTY_KEY_MAX PROP_VALUE_MAX
+#define PROPERTY_KEY_MAX PROP_NAME_MAX
 #define PROPERTY_VALUE_MAX PROP_VALUE_MAX
 
 int property_get(const char* key, char* value, const char* default_value);
