@@ -25,8 +25,8 @@
 #include "messaging/DelayedSchedule.h"
 #include "smarthome/Handler.h"
 #include "smarthome/Looper.h"
-#include "support/PostingLoad.h"
-#include "support/RatioReporter.h"
+#include "testing/PostingLoad.h"
+#include "testing/RatioReporter.h"
 
 namespace {
 

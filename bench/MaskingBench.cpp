@@ -7,9 +7,9 @@
 #include <utility>
 #include <vector>
 
-#include "logging/RegexMaskingReference.h"
 #include "smarthome/SmartHomeLogger.h"
-#include "support/RatioReporter.h"
+#include "testing/RatioReporter.h"
+#include "testing/RegexMaskingReference.h"
 
 namespace {
 

@@ -12,10 +12,10 @@
 #include <string>
 #include <vector>
 
+#include "smarthome-host/HostPort.h"
 #include "smarthome/SHMetric.h"
 #include "smarthome/SHMetricValidation.h"
-#include "smarthome/port/HostPort.h"
-#include "support/RatioReporter.h"
+#include "testing/RatioReporter.h"
 
 namespace {
 

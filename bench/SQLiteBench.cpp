@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "smarthome/ThreadSafeSQLiteDatabase.h"
-#include "support/RatioReporter.h"
-#include "support/TestSupport.h"
+#include "testing/RatioReporter.h"
+#include "testing/TestSupport.h"
 
 namespace {
 

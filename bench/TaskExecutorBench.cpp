@@ -16,8 +16,8 @@
 #include "smarthome/DynamicThreadPool.h"
 #include "smarthome/Handler.h"
 #include "smarthome/TaskExecutor.h"
-#include "support/PostingLoad.h"
-#include "support/RatioReporter.h"
+#include "testing/PostingLoad.h"
+#include "testing/RatioReporter.h"
 
 namespace {
 

@@ -5,9 +5,9 @@
 #include <cstdlib>
 #include <string>
 
+#include "smarthome-host/HostPort.h"
 #include "smarthome/Base64.h"
 #include "smarthome/HashUtils.h"
-#include "smarthome/port/HostPort.h"
 
 using smarthome::Base64;
 using smarthome::HashUtils;

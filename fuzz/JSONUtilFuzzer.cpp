@@ -3,9 +3,9 @@
 #include <cstdlib>
 #include <string>
 
+#include "smarthome-host/HostPort.h"
 #include "smarthome/CapJSONUtil.h"
 #include "smarthome/JSONUtil.h"
-#include "smarthome/port/HostPort.h"
 
 using smarthome::CapJSONUtil;
 using smarthome::JSONDocument;

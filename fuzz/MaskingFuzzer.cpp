@@ -9,9 +9,9 @@
 #include <cstdlib>
 #include <string>
 
-#include "logging/RegexMaskingReference.h"
+#include "smarthome-host/HostPort.h"
 #include "smarthome/SmartHomeLogger.h"
-#include "smarthome/port/HostPort.h"
+#include "testing/RegexMaskingReference.h"
 
 namespace reference = smarthome::reference;
 

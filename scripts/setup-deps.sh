@@ -20,7 +20,7 @@ for group in "${groups[@]}"; do
         test)  packages+=(googletest libgtest-dev libgmock-dev sqlite3) ;;
         bench) packages+=(libbenchmark-dev libboost-dev) ;;
         fuzz)  packages+=(clang libclang-rt-14-dev) ;;
-        lint)  packages+=(clang-format clang-tidy) ;;
+        lint)  packages+=(clang-format clang-tidy python3) ;;
         *) echo "setup-deps: unknown group '$group' (use build, test, bench, fuzz, lint)" >&2
            exit 2 ;;
     esac

@@ -33,6 +33,7 @@
 #include <utility>
 #include <vector>
 
+#include "smarthome-host/HostPort.h"
 #include "smarthome/DatabaseUtility.h"
 #include "smarthome/DynamicThreadPool.h"
 #include "smarthome/Handler.h"
@@ -44,7 +45,6 @@
 #include "smarthome/StringUtils.h"
 #include "smarthome/TaskExecutor.h"
 #include "smarthome/ThreadSafeSQLiteDatabase.h"
-#include "smarthome/port/HostPort.h"
 
 namespace smarthome {
 namespace {

@@ -8,10 +8,10 @@
 #include <thread>
 #include <vector>
 
+#include "base/Deadline.h"
+#include "base/Mutex.h"
 #include "base/TestSeam.h"
-#include "messaging/Deadline.h"
 #include "smarthome/SmartHomeLogger.h"
-#include "utils/Mutex.h"
 
 namespace smarthome {
 

@@ -8,13 +8,13 @@
 #include <utility>
 #include <vector>
 
+#include "base/Deadline.h"
+#include "base/Mutex.h"
 #include "base/TestSeam.h"
-#include "messaging/Deadline.h"
 #include "messaging/DelayedSchedule.h"
 #include "messaging/EntryPool.h"
 #include "smarthome/Handler.h"
 #include "smarthome/SmartHomeLogger.h"
-#include "utils/Mutex.h"
 
 namespace smarthome {
 

@@ -5,10 +5,9 @@
 #include <exception>
 #include <future>
 
-#include "base/TestSeam.h"
-#include "messaging/Deadline.h"
+#include "base/Deadline.h"
+#include "base/Mutex.h"
 #include "smarthome/SmartHomeLogger.h"
-#include "utils/Mutex.h"
 
 namespace smarthome {
 

@@ -11,12 +11,12 @@
 #include <utility>
 #include <vector>
 
+#include "base/Deadline.h"
+#include "base/Mutex.h"
 #include "base/TestSeam.h"
-#include "messaging/Deadline.h"
 #include "smarthome/DelayedTask.h"
 #include "smarthome/SmartHomeLogger.h"
 #include "smarthome/Task.h"
-#include "utils/Mutex.h"
 
 namespace smarthome {
 

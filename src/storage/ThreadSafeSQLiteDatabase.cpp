@@ -1,9 +1,9 @@
 #include "smarthome/ThreadSafeSQLiteDatabase.h"
 
+#include "base/Mutex.h"
 #include "smarthome/SmartHomeLogger.h"
 #include "smarthome/StringUtils.h"
 #include "smarthome/SynchronizedHashMap.h"
-#include "utils/Mutex.h"
 
 namespace smarthome {
 

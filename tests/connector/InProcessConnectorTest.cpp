@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "smarthome/SmartHomedInProcessConnector.h"
-#include "support/TestSupport.h"
+#include "testing/TestSupport.h"
 
 namespace smarthome {
 namespace {

@@ -7,10 +7,10 @@
 
 #include <string>
 
-#include "logging/MaskingInputs.h"
-#include "logging/RegexMaskingReference.h"
+#include "smarthome-host/HostPort.h"
 #include "smarthome/SmartHomeLogger.h"
-#include "smarthome/port/HostPort.h"
+#include "testing/MaskingInputs.h"
+#include "testing/RegexMaskingReference.h"
 
 namespace smarthome {
 namespace test {

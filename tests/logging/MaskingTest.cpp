@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
+#include "smarthome-host/HostPort.h"
 #include "smarthome/SmartHomeLogger.h"
-#include "smarthome/port/HostPort.h"
-#include "support/TestSupport.h"
+#include "testing/TestSupport.h"
 
 namespace smarthome {
 namespace {

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "smarthome/SmartHomeRIPCLoggerAdapter.h"
-#include "support/TestSupport.h"
+#include "testing/TestSupport.h"
 
 namespace smarthome {
 namespace {

@@ -7,8 +7,8 @@
 #include <thread>
 #include <vector>
 
-#include "messaging/ExecutionTestSupport.h"
 #include "smarthome/DynamicThreadPool.h"
+#include "testing/ExecutionTestSupport.h"
 
 namespace smarthome {
 namespace {

@@ -11,8 +11,8 @@
 #include <thread>
 #include <vector>
 
-#include "messaging/ExecutionTestSupport.h"
-#include "messaging/MessagingTestSupport.h"
+#include "testing/ExecutionTestSupport.h"
+#include "testing/MessagingTestSupport.h"
 
 namespace smarthome {
 namespace {

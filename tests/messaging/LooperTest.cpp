@@ -9,8 +9,8 @@
 #include <thread>
 #include <vector>
 
-#include "messaging/MessagingTestSupport.h"
 #include "smarthome/Handler.h"
+#include "testing/MessagingTestSupport.h"
 
 namespace smarthome {
 namespace {

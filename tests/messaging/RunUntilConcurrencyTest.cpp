@@ -6,8 +6,8 @@
 #include <random>
 #include <thread>
 
-#include "messaging/ExecutionTestSupport.h"
 #include "smarthome/RunUntil.h"
+#include "testing/ExecutionTestSupport.h"
 
 namespace smarthome {
 namespace {

@@ -8,8 +8,8 @@
 #include <memory>
 #include <thread>
 
-#include "messaging/ExecutionTestSupport.h"
-#include "messaging/MessagingTestSupport.h"
+#include "testing/ExecutionTestSupport.h"
+#include "testing/MessagingTestSupport.h"
 
 namespace smarthome {
 namespace {

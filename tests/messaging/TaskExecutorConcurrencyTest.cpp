@@ -10,10 +10,10 @@
 #include <vector>
 
 #include "base/TestSeam.h"
-#include "messaging/ExecutionTestSupport.h"
-#include "messaging/MessagingTestSupport.h"
 #include "smarthome/DynamicThreadPool.h"
 #include "smarthome/TaskExecutor.h"
+#include "testing/ExecutionTestSupport.h"
+#include "testing/MessagingTestSupport.h"
 
 namespace smarthome {
 namespace {

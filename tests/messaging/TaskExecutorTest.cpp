@@ -12,10 +12,10 @@
 #include <thread>
 #include <vector>
 
-#include "messaging/ExecutionTestSupport.h"
-#include "messaging/MessagingTestSupport.h"
 #include "smarthome/DelayedTask.h"
 #include "smarthome/Task.h"
+#include "testing/ExecutionTestSupport.h"
+#include "testing/MessagingTestSupport.h"
 
 namespace smarthome {
 namespace {

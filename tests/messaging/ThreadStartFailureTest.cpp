@@ -14,7 +14,7 @@
 #include "smarthome/DynamicThreadPool.h"
 #include "smarthome/Handler.h"
 #include "smarthome/RunUntil.h"
-#include "support/TestSupport.h"
+#include "testing/TestSupport.h"
 
 namespace smarthome {
 namespace {

@@ -13,7 +13,7 @@
 #include "smarthome/SHMetricValidation.h"
 #include "smarthome/StringUtils.h"
 #include "smarthome/VantorDimension.h"
-#include "support/TestSupport.h"
+#include "testing/TestSupport.h"
 
 namespace smarthome {
 namespace {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "smarthome/SHMetric.h"
-#include "support/TestSupport.h"
+#include "testing/TestSupport.h"
 
 namespace smarthome {
 namespace {

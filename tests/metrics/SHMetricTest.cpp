@@ -14,7 +14,7 @@
 #include "smarthome/DynamicCapabilityReportingMetricsHelper.h"
 #include "smarthome/SmartHomeRIPCMetricsAdapter.h"
 #include "smarthome/VantorMetricsHelper.h"
-#include "support/TestSupport.h"
+#include "testing/TestSupport.h"
 
 namespace smarthome {
 namespace {

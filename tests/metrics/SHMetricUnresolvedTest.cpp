@@ -9,7 +9,7 @@
 
 #include "smarthome/SHMetric.h"
 #include "smarthome/VantorMetricsHelper.h"
-#include "support/TestSupport.h"
+#include "testing/TestSupport.h"
 
 namespace smarthome {
 

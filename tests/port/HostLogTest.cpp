@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <string>
 
-#include "support/TestSupport.h"
+#include "testing/TestSupport.h"
 
 namespace smarthome {
 namespace {

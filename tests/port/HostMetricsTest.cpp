@@ -5,7 +5,7 @@
 #include <string>
 
 #include "smarthome/port/PlatformPaths.h"
-#include "support/TestSupport.h"
+#include "testing/TestSupport.h"
 
 namespace smarthome {
 namespace {

@@ -8,8 +8,8 @@
 #include <thread>
 #include <vector>
 
+#include "smarthome-host/HostPort.h"
 #include "smarthome/SmartHomeLogger.h"
-#include "smarthome/port/HostPort.h"
 
 namespace smarthome {
 namespace {

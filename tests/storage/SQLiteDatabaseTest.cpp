@@ -12,7 +12,7 @@
 #include "smarthome/FileIO.h"
 #include "smarthome/SQLiteUtils.h"
 #include "storage/StorageTestSupport.h"
-#include "support/TestSupport.h"
+#include "testing/TestSupport.h"
 
 namespace smarthome {
 namespace {

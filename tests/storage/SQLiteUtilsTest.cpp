@@ -13,7 +13,7 @@
 #include "smarthome/DatabaseUtility.h"
 #include "smarthome/FileIO.h"
 #include "smarthome/SQLiteDatabase.h"
-#include "support/TestSupport.h"
+#include "testing/TestSupport.h"
 
 namespace smarthome {
 namespace {

@@ -8,7 +8,7 @@
 
 #include "smarthome/ThreadSafeSQLiteDatabase.h"
 #include "storage/StorageTestSupport.h"
-#include "support/TestSupport.h"
+#include "testing/TestSupport.h"
 
 namespace smarthome {
 namespace {

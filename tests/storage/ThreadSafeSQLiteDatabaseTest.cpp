@@ -14,7 +14,7 @@
 #include "smarthome/SQLiteUtils.h"
 #include "smarthome/SynchronizedHashMap.h"
 #include "storage/StorageTestSupport.h"
-#include "support/TestSupport.h"
+#include "testing/TestSupport.h"
 
 namespace smarthome {
 namespace {

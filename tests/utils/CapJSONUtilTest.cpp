@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "support/TestSupport.h"
+#include "testing/TestSupport.h"
 
 namespace smarthome {
 namespace {

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "support/TestSupport.h"
+#include "testing/TestSupport.h"
 
 namespace smarthome {
 namespace {

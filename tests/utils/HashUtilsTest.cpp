@@ -8,7 +8,7 @@
 
 #include "smarthome/Base64.h"
 #include "smarthome/HashGenerator.h"
-#include "support/TestSupport.h"
+#include "testing/TestSupport.h"
 
 namespace smarthome {
 namespace {

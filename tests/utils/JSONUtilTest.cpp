@@ -8,7 +8,7 @@
 #include <string>
 
 #include "smarthome/SmartHomeLogger.h"
-#include "support/TestSupport.h"
+#include "testing/TestSupport.h"
 
 namespace smarthome {
 namespace {

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "smarthome/port/HostPort.h"
-#include "support/TestSupport.h"
+#include "smarthome-host/HostPort.h"
+#include "testing/TestSupport.h"
 
 namespace smarthome {
 namespace {

@@ -13,8 +13,8 @@
 #include <string>
 #include <utility>
 
-#include "smarthome/port/HostPort.h"
-#include "utils/Mutex.h"
+#include "base/Mutex.h"
+#include "smarthome-host/HostPort.h"
 
 namespace {
 

@@ -10,8 +10,8 @@
 #include <string>
 #include <unordered_map>
 
-#include "smarthome/port/HostPort.h"
-#include "utils/Mutex.h"
+#include "base/Mutex.h"
+#include "smarthome-host/HostPort.h"
 
 namespace {
 

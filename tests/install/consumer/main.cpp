@@ -1,7 +1,7 @@
 // A program outside the library's tree, built against the installed package.
+#include <smarthome-host/HostPort.h>
 #include <smarthome/SmartHomeLogger.h>
 #include <smarthome/StringUtils.h>
-#include <smarthome/port/HostPort.h>
 
 #include <cstdio>
 #include <string>

@@ -1,6 +1,6 @@
 // Host stand-in for the device's log interface: same priorities, same functions.
 // Messages are formatted into a 1024-byte buffer (longer text is cut to 1023 bytes)
-// and handed to the port's log sink (see smarthome/port/HostPort.h).
+// and handed to the port's log sink (see smarthome-host/HostPort.h).
 #pragma once
 
 #include <stdarg.h>

@@ -1,6 +1,6 @@
 // Host stand-in for the device logging library's metrics entry point. The record is
 // formatted (printf-style, never cut) and handed with its routing fields to
-// the port's metrics sink (see smarthome/port/HostPort.h). Returns 1 when delivered.
+// the port's metrics sink (see smarthome-host/HostPort.h). Returns 1 when delivered.
 #pragma once
 
 #ifdef __cplusplus

@@ -1,4 +1,4 @@
-#include "support/TestSupport.h"
+#include "testing/TestSupport.h"
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define SMARTHOME_TEST_UNDER_SANITIZER 1
@@ -19,7 +19,7 @@ extern "C" size_t __sanitizer_get_current_allocated_bytes();
 #include <filesystem>
 #include <fstream>
 
-#include "smarthome/port/HostPort.h"
+#include "smarthome-host/HostPort.h"
 
 namespace smarthome {
 namespace test {

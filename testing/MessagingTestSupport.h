@@ -7,7 +7,7 @@
 #include <mutex>
 #include <vector>
 
-#include "support/TestSupport.h"
+#include "testing/TestSupport.h"
 
 namespace smarthome {
 namespace test {

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "logging/IdentifierMatchers.h"
+#include "masking/IdentifierMatchers.h"
 #include "smarthome/JSONUtil.h"
 #include "smarthome/SmartHomeLogger.h"
 #include "smarthome/SystemPropertyWrapper.h"

@@ -6,7 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "smarthome/VantorDimension.h"
+namespace smarthome {
+struct VantorDimension;  // the smart-home library's metric dimension
+}  // namespace smarthome
 
 namespace ripcconnector {
 

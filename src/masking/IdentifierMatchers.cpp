@@ -1,4 +1,4 @@
-#include "logging/IdentifierMatchers.h"
+#include "masking/IdentifierMatchers.h"
 
 namespace smarthome {
 namespace detail {

@@ -11,7 +11,7 @@
 #include <mutex>
 #include <thread>
 
-#include "support/TestSupport.h"
+#include "testing/TestSupport.h"
 
 namespace smarthome {
 namespace test {
