@@ -40,6 +40,7 @@
 #include "smarthome/JSONUtil.h"
 #include "smarthome/Looper.h"
 #include "smarthome/SHMetric.h"
+#include "smarthome/SQLiteUtils.h"
 #include "smarthome/SmartHomeLogger.h"
 #include "smarthome/SmartHomedInProcessConnector.h"
 #include "smarthome/StringUtils.h"
@@ -229,7 +230,8 @@ public:
     // Rows in table, or -1 when the count fails. table is one of this class's own names.
     int countRows(const std::string& table) {
         DatabaseLock lock(*database);
-        auto query = database->createStatement("SELECT COUNT(*) FROM " + table);
+        auto query =
+            database->createStatement("SELECT COUNT(*) FROM " + quoteSQLiteIdentifier(table));
         if (!query->step() || query->getStepResult() != SQLITE_ROW) {
             return -1;
         }

@@ -1,8 +1,11 @@
 // Helpers over a raw SQLite handle or a SQLiteDatabase: open and create files, run a
 // query, count rows, read a column maximum, list tables, test for a table or a column,
-// empty or drop a table. Table and column names are pasted into the SQL as they are:
-// pass only trusted names. Each failure returns false/null and writes one error line
+// empty or drop a table. Each failure returns false/null and writes one error line
 // (tag "SmartHome:SQLiteUtils").
+//
+// Table and column names go into the SQL as quoted identifiers (quoteSQLiteIdentifier), so
+// any name works, keywords, quotes and spaces included; tableExists binds the name as a
+// value.
 // Thread-safety: none of their own; the handle's user serialises access.
 #pragma once
 
@@ -14,6 +17,10 @@ struct sqlite3;
 namespace smarthome {
 
 class SQLiteDatabase;
+
+// name as an SQL identifier: in double quotes, each double quote inside doubled. The one
+// place where table and column names are made safe to paste into SQL.
+std::string quoteSQLiteIdentifier(const std::string& name);
 
 sqlite3* createSQLiteDatabase(const std::string& path);
 sqlite3* openSQLiteDatabase(const std::string& path);

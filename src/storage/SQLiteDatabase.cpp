@@ -140,7 +140,7 @@ bool SQLiteDatabase::clearTable(const std::string& table) {
 }
 
 bool SQLiteDatabase::tableEmpty(const std::string& table) {
-    const std::string sql = "SELECT count(*) FROM " + table;
+    const std::string sql = "SELECT count(*) FROM " + quoteSQLiteIdentifier(table);
     if (open()) {
         logger.e("%s:error=tableEmpty, reason=DatabaseJustOpened", "tableEmpty");
         return false;

@@ -36,6 +36,20 @@ bool runWithoutResult(sqlite3* db, const std::string& sql, const char* operation
 
 }  // namespace
 
+std::string quoteSQLiteIdentifier(const std::string& name) {
+    std::string quoted;
+    quoted.reserve(name.size() + 2);
+    quoted.push_back('"');
+    for (char c : name) {
+        if (c == '"') {
+            quoted.push_back('"');
+        }
+        quoted.push_back(c);
+    }
+    quoted.push_back('"');
+    return quoted;
+}
+
 sqlite3* createSQLiteDatabase(const std::string& path) {
     if (FileIO::fileExists(path)) {
         logger.e("%s:error=createSQLiteDatabaseFailed, reason=FileAlreadyExists, file=%s",
@@ -119,7 +133,8 @@ bool getNumberTableRows(SQLiteDatabase* db, const std::string& table, int* rows)
                  "getNumberTableRows");
         return false;
     }
-    auto statement = db->createStatement("SELECT COUNT(*) FROM " + table + ";");
+    auto statement =
+        db->createStatement("SELECT COUNT(*) FROM " + quoteSQLiteIdentifier(table) + ";");
     if (!statement) {
         logger.e("%s:error=getNumberTableRowsFailed, reason=Couildn'tCreateStatement",
                  "getNumberTableRows");
@@ -148,8 +163,12 @@ bool getTableMaxIntValue(SQLiteDatabase* db, const std::string& table, const std
         logger.e("%s:error=getMaxIntFailed, ,reason=NullptrMaxInt", "getTableMaxIntValue");
         return false;
     }
-    auto statement = db->createStatement("SELECT " + column + " FROM " + table + " ORDER BY " +
-                                         column + " DESC LIMIT 1;");
+    // The column is qualified by its table: a lone double-quoted name that matches no
+    // column would be read as a string literal instead of failing.
+    const std::string quotedTable = quoteSQLiteIdentifier(table);
+    const std::string quotedColumn = quotedTable + "." + quoteSQLiteIdentifier(column);
+    auto statement = db->createStatement("SELECT " + quotedColumn + " FROM " + quotedTable +
+                                         " ORDER BY " + quotedColumn + " DESC LIMIT 1;");
     if (!statement) {
         logger.e("%s:error=getTableMaxIntValueFailed, reason=Couildn'tCreateStatement",
                  "getTableMaxIntValue");
@@ -207,13 +226,14 @@ bool tableExists(sqlite3* db, const std::string& table) {
         logger.e("%s:error=tableExistsFailed, reason=nullptrDbHandle", "tableExists");
         return false;
     }
-    SQLiteStatement statement(
-        db, "SELECT count(*) FROM sqlite_master WHERE type='table' AND name='" + table + "';");
+    // The name is bound as a value, so that no name can end the literal early.
+    SQLiteStatement statement(db,
+                              "SELECT count(*) FROM sqlite_master WHERE type='table' AND name=?;");
     if (!statement.isValid()) {
         logger.e("%s:error=tableExistsFailed, reason=Couldn'tCreateStatement", "tableExists");
         return false;
     }
-    if (!statement.step()) {
+    if (!statement.bindStringParameter(1, table) || !statement.step()) {
         logger.e("%s:error=tableExistsFailed, reason=StepExecutionFailed", "tableExists");
         return false;
     }
@@ -240,7 +260,7 @@ bool columnExists(sqlite3* db, const std::string& table, const std::string& colu
         logger.e("%s:error=columnExistsFailed, reason=nullptrDbHandle", "columnExists");
         return false;
     }
-    SQLiteStatement statement(db, "PRAGMA table_info(" + table + ");");
+    SQLiteStatement statement(db, "PRAGMA table_info(" + quoteSQLiteIdentifier(table) + ");");
     if (!statement.isValid()) {
         logger.e("%s:error=columnExistsFailed, reason=Couldn'tCreateStatement", "columnExists");
         return false;
@@ -261,12 +281,13 @@ bool columnExists(sqlite3* db, const std::string& table, const std::string& colu
 }
 
 bool clearTable(sqlite3* db, const std::string& table) {
-    return runWithoutResult(db, "DELETE FROM " + table + ";", "clearTable", "clearTableFailed");
+    return runWithoutResult(db, "DELETE FROM " + quoteSQLiteIdentifier(table) + ";", "clearTable",
+                            "clearTableFailed");
 }
 
 bool dropTable(sqlite3* db, const std::string& table) {
-    return runWithoutResult(db, "DROP TABLE IF EXISTS " + table + ";", "dropTable",
-                            "dropTableFailed");
+    return runWithoutResult(db, "DROP TABLE IF EXISTS " + quoteSQLiteIdentifier(table) + ";",
+                            "dropTable", "dropTableFailed");
 }
 
 }  // namespace smarthome

@@ -13,6 +13,7 @@
 #include "smarthome/DatabaseUtility.h"
 #include "smarthome/FileIO.h"
 #include "smarthome/SQLiteDatabase.h"
+#include "smarthome/ThreadSafeSQLiteDatabase.h"
 #include "testing/TestSupport.h"
 
 namespace smarthome {
@@ -122,9 +123,9 @@ TEST_F(SQLiteUtilsQueries, NullHandlesFailWithTheirOwnTexts) {
                   "performQuery:error=performQueryFailed, reason=NullptrDbHandle"}));
 }
 
-// Names are pasted into the SQL unquoted: a name SQLite cannot parse fails at preparation
-// with each function's own text; a missing table is a plain "no".
-TEST_F(SQLiteUtilsQueries, TableAndColumnQueriesOnMissingAndUnparsableNames) {
+// A missing table is a plain "no"; a file that is not a database fails every preparation
+// with each function's own text.
+TEST_F(SQLiteUtilsQueries, TableAndColumnQueriesOnMissingNamesAndUnreadableFiles) {
     sqlite3* db = nullptr;
     ASSERT_EQ(sqlite3_open_v2(dir.file("q.db").c_str(), &db, SQLITE_OPEN_READWRITE, nullptr),
               SQLITE_OK);
@@ -138,11 +139,15 @@ TEST_F(SQLiteUtilsQueries, TableAndColumnQueriesOnMissingAndUnparsableNames) {
     EXPECT_TRUE(dropTable(db, "gone"));
     EXPECT_FALSE(tableExists(db, "gone"));
     EXPECT_TRUE(capture.texts(ANDROID_LOG_ERROR, kTag).empty());
+    EXPECT_TRUE(closeSQLiteDatabase(db));
 
-    EXPECT_FALSE(tableExists(db, "it's"));
-    EXPECT_FALSE(columnExists(db, "t t", "v"));
-    EXPECT_FALSE(clearTable(db, "missing"));
-    EXPECT_FALSE(dropTable(db, "a b"));
+    ASSERT_TRUE(test::writeFile(dir.file("text.db"), std::string(4096, 'x')));
+    db = openSQLiteDatabase(dir.file("text.db"));
+    ASSERT_NE(db, nullptr);
+    EXPECT_FALSE(tableExists(db, "t"));
+    EXPECT_FALSE(columnExists(db, "t", "v"));
+    EXPECT_FALSE(clearTable(db, "t"));
+    EXPECT_FALSE(dropTable(db, "t"));
     EXPECT_FALSE(performQuery(db, "NOT SQL"));
     EXPECT_EQ(capture.texts(ANDROID_LOG_ERROR, kTag),
               (std::vector<std::string>{
@@ -153,6 +158,59 @@ TEST_F(SQLiteUtilsQueries, TableAndColumnQueriesOnMissingAndUnparsableNames) {
                   "performQuery:error=performQueryFailed, query=NOT SQL, rcode=1, "
                   "errorMessage=near \"NOT\": syntax error"}));
     EXPECT_TRUE(closeSQLiteDatabase(db));
+}
+
+// Names that need quoting, each used as a table name and as its column's name, through
+// every helper that puts a name into SQL, and through clearAllTablesFromDb.
+TEST(SQLiteUtilsNames, AwkwardNamesAreQuotedEverywhere) {
+    const std::vector<std::pair<std::string, std::string>> names = {
+        {"order", "\"order\""},
+        {"it's", "\"it's\""},
+        {"say \"hi\"", "\"say \"\"hi\"\"\""},
+        {"a b", "\"a b\""},
+        {"Gerät 温度", "\"Gerät 温度\""},
+    };
+    test::TempDir dir;
+    test::LogCapture capture;
+    const std::string path = dir.file("names.db");
+    auto shared = ThreadSafeSQLiteDatabase::getInstance(path);
+    ASSERT_TRUE(shared->initialize());
+    ASSERT_TRUE(
+        shared->performQuery("CREATE TABLE plain (id INTEGER); INSERT INTO plain VALUES (1);"));
+    for (const auto& [name, quoted] : names) {
+        EXPECT_EQ(quoteSQLiteIdentifier(name), quoted);
+        ASSERT_TRUE(shared->performQuery("CREATE TABLE " + quoted + " (" + quoted +
+                                         " INTEGER); INSERT INTO " + quoted + " VALUES (5);"));
+    }
+    EXPECT_TRUE(shared->clearAllTablesFromDb());
+    shared->close();
+
+    auto database = SQLiteDatabase::create(path);
+    ASSERT_TRUE(database->open());
+    sqlite3* db = openSQLiteDatabase(path);
+    ASSERT_NE(db, nullptr);
+    for (const auto& [name, quoted] : names) {
+        SCOPED_TRACE(name);
+        int value = -1;
+        EXPECT_TRUE(getNumberTableRows(database.get(), name, &value));
+        EXPECT_EQ(value, 0);  // emptied by clearAllTablesFromDb
+        EXPECT_TRUE(database->tableEmpty(name));
+        ASSERT_TRUE(database->performQuery("INSERT INTO " + quoted + " VALUES (4), (17), (9);"));
+        EXPECT_FALSE(database->tableEmpty(name));
+        EXPECT_TRUE(getTableMaxIntValue(database.get(), name, name, &value));
+        EXPECT_EQ(value, 17);
+        EXPECT_TRUE(database->tableExists(name));
+        EXPECT_TRUE(database->columnExists(name, name));
+        EXPECT_TRUE(database->clearTable(name));
+        EXPECT_TRUE(database->tableEmpty(name));
+        EXPECT_TRUE(dropTable(db, name));
+        EXPECT_FALSE(tableExists(db, name));
+    }
+    EXPECT_TRUE(closeSQLiteDatabase(db));
+    database->close();
+    for (const auto& line : capture.lines()) {
+        EXPECT_NE(line.priority, ANDROID_LOG_ERROR) << line.text;
+    }
 }
 
 TEST_F(SQLiteUtilsQueries, TableNamesAreAppendedAndLoggedColumnByColumn) {
