@@ -28,6 +28,8 @@ public:
     virtual void unlock() = 0;
     virtual std::unique_ptr<SQLiteDatabase::Transaction> beginTransaction() = 0;
     virtual bool clearAllTablesFromDb() = 0;
+    // Added after the functions above, so that their virtual slots keep their order.
+    virtual bool rollbackTransaction() = 0;
 };
 
 }  // namespace smarthome

@@ -6,6 +6,12 @@
 // beginTransaction(), because a Transaction holds a weak reference to it. Statements it
 // hands out do not keep it alive: destroy them before close(). A handle that SQLite refuses
 // to close because a statement is still alive is released once that statement is finalized.
+//
+// A failed COMMIT (another connection's reader outlasting the busy timeout, a deferred
+// constraint, a full disk) leaves the transaction open, so that the caller may still roll
+// it back; when the caller has not, destroying its Transaction does (warning
+// "~Transaction:reason=CommitFailed, action=Rollback"). Left open, the transaction would
+// take in every later write on the connection, and close would lose them all.
 // Thread-safety: none; ThreadSafeSQLiteDatabase adds the lock.
 #pragma once
 
@@ -37,7 +43,11 @@ public:
         bool complete(bool commit);
 
         std::weak_ptr<SQLiteDatabase> database;
+        // Which of the database's transactions this is (its count when this was made),
+        // so that ending a failed commit never touches a later transaction.
+        unsigned long number = 0;
         bool completed = false;
+        bool commitFailed = false;
     };
 
     explicit SQLiteDatabase(const std::string& path);
@@ -70,6 +80,8 @@ public:
 private:
     bool endTransaction(const char* sql, const char* operation, const char* noTransactionFormat,
                         const char* queryFailedFormat);
+    // Rolls back transaction number if it is still the one in progress (its commit failed).
+    void endFailedCommit(unsigned long number);
 
     struct Closer {
         void operator()(sqlite3* db) const;
@@ -78,6 +90,7 @@ private:
     const std::string path;
     std::unique_ptr<sqlite3, Closer> db;
     bool transactionInProgress = false;
+    unsigned long transactionCount = 0;  // transactions begun so far
 };
 
 }  // namespace smarthome

@@ -5,7 +5,8 @@
 //
 // Table and column names go into the SQL as quoted identifiers (quoteSQLiteIdentifier), so
 // any name works, keywords, quotes and spaces included; tableExists binds the name as a
-// value.
+// value. Every connection opened here waits up to kSQLiteBusyTimeoutMs for another
+// connection's lock before a statement fails with SQLITE_BUSY (rcode=5).
 // Thread-safety: none of their own; the handle's user serialises access.
 #pragma once
 
@@ -17,6 +18,13 @@ struct sqlite3;
 namespace smarthome {
 
 class SQLiteDatabase;
+
+// How long (milliseconds) a statement on a connection opened by openSQLiteDatabaseHelper
+// waits for a lock held by another connection, in this process or another one, before it
+// fails with SQLITE_BUSY: a COMMIT waits for readers to finish, a write for another
+// connection's write transaction. Without a timeout a COMMIT meeting any reader fails at
+// once. One connection can change it with "PRAGMA busy_timeout = <ms>;".
+constexpr int kSQLiteBusyTimeoutMs = 5000;
 
 // name as an SQL identifier: in double quotes, each double quote inside doubled. The one
 // place where table and column names are made safe to paste into SQL.

@@ -6,6 +6,13 @@
 // createStatement()/beginTransaction() and the objects they return, then unlock(). The
 // mutex is not recursive: while holding lock(), do not call the locking operations on the
 // same object (that deadlocks).
+//
+// rollbackTransaction() is an addition to the original operations (placed last in the
+// interface): it ends the transaction of the inner database, the only way to end one whose
+// COMMIT failed while its Transaction object is still alive (destroying that object ends it
+// too). Connections wait up to kSQLiteBusyTimeoutMs (SQLiteUtils.h) for another
+// connection's lock, e.g. a second instance registered under another spelling of the same
+// file's path, or another process.
 // Thread-safety: every operation may be called from any thread, as described above.
 #pragma once
 
@@ -40,10 +47,16 @@ public:
     bool isDatabaseReady() override;
     void lock() override;
     void unlock() override;
-    // Not locked: hold lock() until the transaction is completed.
+    // Not locked: hold lock() until the transaction is completed, and when its commit
+    // failed until the Transaction is destroyed (that rolls it back) or
+    // rollbackTransaction() has returned.
     std::unique_ptr<SQLiteDatabase::Transaction> beginTransaction() override;
     // Empties every table (rows deleted, tables kept), stopping at the first failure.
     bool clearAllTablesFromDb() override;
+    // Not locked, like beginTransaction(): hold lock() until it returns. Rolls back the
+    // transaction in progress (one whose COMMIT failed included); false, with the inner
+    // database's line, when there is none or the rollback fails.
+    bool rollbackTransaction() override;
 
 private:
     std::shared_ptr<SQLiteDatabase> database;

@@ -176,6 +176,7 @@ std::unique_ptr<SQLiteDatabase::Transaction> SQLiteDatabase::beginTransaction() 
         return nullptr;
     }
     transactionInProgress = true;
+    ++transactionCount;
     return std::make_unique<Transaction>(weak_from_this());
 }
 
@@ -207,13 +208,30 @@ bool SQLiteDatabase::endTransaction(const char* sql, const char* operation,
     return true;
 }
 
+void SQLiteDatabase::endFailedCommit(unsigned long number) {
+    if (transactionInProgress && transactionCount == number) {
+        logger.w("%s:reason=CommitFailed, action=Rollback", "~Transaction");
+        static_cast<void>(rollbackTransaction());
+    }
+}
+
 SQLiteDatabase::Transaction::Transaction(std::weak_ptr<SQLiteDatabase> database)
-    : database(std::move(database)) {}
+    : database(std::move(database)) {
+    if (auto owner = this->database.lock()) {
+        number = owner->transactionCount;
+    }
+}
 
 SQLiteDatabase::Transaction::~Transaction() {
     if (!completed) {
         logger.e("%s:error=TransactionFailedToComplete, action=Rollback", "~Transaction");
         rollback();
+        return;
+    }
+    if (commitFailed) {
+        if (auto owner = database.lock()) {
+            owner->endFailedCommit(number);
+        }
     }
 }
 
@@ -240,9 +258,14 @@ bool SQLiteDatabase::Transaction::complete(bool commit) {
                  operation);
         return false;
     }
-    // Completed even when the query fails: the database's flag tells what happened.
+    // Completed even when the query fails: the database's flag tells what happened. A
+    // failed commit is remembered, so that this scope still ends the transaction.
     completed = true;
-    return commit ? owner->commitTransaction() : owner->rollbackTransaction();
+    if (!commit) {
+        return owner->rollbackTransaction();
+    }
+    commitFailed = !owner->commitTransaction();
+    return !commitFailed;
 }
 
 }  // namespace smarthome

@@ -90,6 +90,8 @@ sqlite3* openSQLiteDatabaseHelper(const std::string& path, int flags) {
         sqlite3_close(db);
         return nullptr;
     }
+    // Never fails on an open handle.
+    sqlite3_busy_timeout(db, kSQLiteBusyTimeoutMs);
     return db;
 }
 

@@ -131,6 +131,14 @@ std::unique_ptr<SQLiteDatabase::Transaction> ThreadSafeSQLiteDatabase::beginTran
     return database->beginTransaction();
 }
 
+bool ThreadSafeSQLiteDatabase::rollbackTransaction() {
+    if (!database) {
+        logger.e("%s:reason=DatabaseIsNull", "rollbackTransaction");
+        return false;
+    }
+    return database->rollbackTransaction();
+}
+
 void ThreadSafeSQLiteDatabase::lock() {
     mutex.lock();
 }

@@ -3,14 +3,20 @@
 #include <android/log.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sqlite3.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "smarthome/FileIO.h"
+#include "smarthome/SQLiteDatabase.h"
 #include "smarthome/SQLiteUtils.h"
 #include "smarthome/SynchronizedHashMap.h"
 #include "storage/StorageTestSupport.h"
@@ -96,6 +102,122 @@ TEST(ThreadSafeSQLiteDatabase, ClearAllTablesKeepsTablesAndLogsTheList) {
                                         "clearAllTablesFromDb:TableCleanupSuccessful"}));
     database->close();
 }
+
+// What holds a read transaction on the file while the COMMIT runs.
+enum class Reader { SecondRegistryEntry, Shell };
+// How the caller ends the transaction whose COMMIT failed.
+enum class Ending { TransactionScope, RollbackTransaction };
+
+// Starts a read transaction on dir/x.db and keeps it until the returned handle is released
+// (also when a failed assertion leaves the test early).
+std::shared_ptr<void> holdReadTransaction(Reader reader, const test::TempDir& dir) {
+    if (reader == Reader::Shell) {
+        // The shell reads its input from the pipe popen gives and writes to ours.
+        int output[2];
+        EXPECT_EQ(pipe(output), 0);
+        FILE* shell = popen(
+            ("sqlite3 '" + dir.file("x.db") + "' >&" + std::to_string(output[1])).c_str(), "w");
+        close(output[1]);
+        EXPECT_GE(fputs("BEGIN; SELECT count(*) FROM t;\n", shell), 0);
+        fflush(shell);
+        char answer[3] = {};
+        EXPECT_EQ(read(output[0], answer, 2), 2);  // once it answers, it holds the lock
+        EXPECT_STREQ(answer, "1\n");
+        return std::shared_ptr<void>(nullptr, [shell, output](void*) {
+            fputs("COMMIT;\n", shell);
+            EXPECT_EQ(pclose(shell), 0);
+            close(output[0]);
+        });
+    }
+    // The same file under another spelling of its path: a registry entry of its own.
+    auto other = ThreadSafeSQLiteDatabase::getInstance(dir.path() + "/./x.db");
+    EXPECT_TRUE(other->open());
+    other->lock();
+    std::shared_ptr<SQLiteStatement> select = other->createStatement("SELECT id FROM t;");
+    EXPECT_TRUE(select && select->step() && select->getStepResult() == SQLITE_ROW);
+    return std::shared_ptr<void>(nullptr, [other, select](void*) mutable {
+        select.reset();
+        other->unlock();
+        other->close();
+    });
+}
+
+int busyTimeoutOf(ThreadSafeSQLiteDatabase& database) {
+    database.lock();
+    auto pragma = database.createStatement("PRAGMA busy_timeout;");
+    const int timeout = pragma && pragma->step() ? pragma->getColumnInt(0) : -1;
+    pragma.reset();
+    database.unlock();
+    return timeout;
+}
+
+class FailedCommit : public testing::TestWithParam<std::tuple<Reader, Ending>> {};
+
+// A COMMIT that meets a reader holding on past the busy timeout fails; once the caller
+// ends that transaction (scope exit or rollbackTransaction), later transactions and
+// statements are written for good.
+TEST_P(FailedCommit, IsEndedSoThatLaterWritesPersist) {
+    const auto [readerKind, ending] = GetParam();
+    if (readerKind == Reader::Shell && std::system("command -v sqlite3 >/dev/null 2>&1") != 0) {
+        GTEST_SKIP() << "no sqlite3 shell";
+    }
+    test::TempDir dir;
+    test::LogCapture capture;
+    auto database = ThreadSafeSQLiteDatabase::getInstance(dir.file("x.db"));
+    ASSERT_TRUE(database->initialize());
+    ASSERT_TRUE(database->performQuery("CREATE TABLE t (id INTEGER); INSERT INTO t VALUES (0);"));
+    EXPECT_EQ(busyTimeoutOf(*database), kSQLiteBusyTimeoutMs);
+    // The reader keeps its lock through the whole COMMIT, so the COMMIT fails whatever the
+    // timeout; a short one only makes it give up sooner.
+    ASSERT_TRUE(database->performQuery("PRAGMA busy_timeout = 20;"));
+    auto reader = holdReadTransaction(readerKind, dir);
+    capture.clear();
+    {
+        auto transaction = database->beginTransaction();
+        ASSERT_TRUE(transaction);
+        ASSERT_TRUE(database->performQuery("INSERT INTO t VALUES (1);"));
+        EXPECT_FALSE(transaction->commit());
+        if (ending == Ending::RollbackTransaction) {
+            EXPECT_TRUE(database->rollbackTransaction());
+        }
+    }
+    reader.reset();
+    {
+        auto transaction = database->beginTransaction();
+        ASSERT_TRUE(transaction);
+        ASSERT_TRUE(database->performQuery("INSERT INTO t VALUES (2);"));
+        EXPECT_TRUE(transaction->commit());
+    }
+    EXPECT_TRUE(database->performQuery("INSERT INTO t VALUES (3);"));
+    database->close();
+
+    auto reopened = SQLiteDatabase::create(dir.file("x.db"));
+    ASSERT_TRUE(reopened->open());
+    auto ids = reopened->createStatement("SELECT group_concat(id) FROM t;");
+    ASSERT_TRUE(ids && ids->step());
+    EXPECT_EQ(ids->getColumnText(0), "0,2,3");
+    ids.reset();
+    reopened->close();
+    EXPECT_EQ(capture.texts(ANDROID_LOG_ERROR, "SmartHome:SQLiteUtils"),
+              std::vector<std::string>{"performQuery:error=performQueryFailed, query=COMMIT "
+                                       "TRANSACTION;, rcode=5, errorMessage=database is locked"});
+    EXPECT_EQ(capture.texts(ANDROID_LOG_ERROR, "SmartHome:SQLiteDatabase"),
+              std::vector<std::string>{
+                  "commitTransaction:error=commitTransactionFailed, reason=QueryFailed"});
+    EXPECT_EQ(capture.texts(ANDROID_LOG_WARN, "SmartHome:SQLiteDatabase"),
+              ending == Ending::TransactionScope
+                  ? std::vector<std::string>{"~Transaction:reason=CommitFailed, action=Rollback"}
+                  : std::vector<std::string>{});
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    ReadersAndEndings, FailedCommit,
+    testing::Combine(testing::Values(Reader::SecondRegistryEntry, Reader::Shell),
+                     testing::Values(Ending::TransactionScope, Ending::RollbackTransaction)),
+    [](const auto& info) {
+        return std::string(std::get<0>(info.param) == Reader::Shell ? "Shell" : "SecondEntry") +
+               (std::get<1>(info.param) == Ending::TransactionScope ? "_ScopeExit" : "_Rollback");
+    });
 
 // A child process inserts inside a transaction and is killed: the uncommitted rows are
 // gone when the file is reopened, the committed ones survive the same kill.
