@@ -3,9 +3,12 @@
 // returns false/empty and writes one line (tag "SmartHome:SQLiteDatabase").
 //
 // Ownership: owns the handle; must be owned by a std::shared_ptr (create()) before
-// beginTransaction(), because a Transaction holds a weak reference to it. Statements it
-// hands out do not keep it alive: destroy them before close(). A handle that SQLite refuses
-// to close because a statement is still alive is released once that statement is finalized.
+// beginTransaction(), because a Transaction holds a weak reference to it: a database that
+// is not is refused before BEGIN runs (error "beginTransaction:error=beginTransactionFailed,
+// reason=NotOwnedBySharedPtr"), so that no write is held in a transaction nobody can end.
+// Statements it hands out do not keep it alive: destroy them before close(). A handle that
+// SQLite refuses to close because a statement is still alive is released once that
+// statement is finalized.
 //
 // A failed COMMIT (another connection's reader outlasting the busy timeout, a deferred
 // constraint, a full disk) leaves the transaction open, so that the caller may still roll

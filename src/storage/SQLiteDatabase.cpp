@@ -166,6 +166,12 @@ std::unique_ptr<SQLiteStatement> SQLiteDatabase::createStatement(const std::stri
 }
 
 std::unique_ptr<SQLiteDatabase::Transaction> SQLiteDatabase::beginTransaction() {
+    // Without an owning shared pointer the Transaction could never reach this database
+    // again: its commit would fail and the BEGIN would swallow every later write.
+    if (weak_from_this().expired()) {
+        logger.e("%s:error=beginTransactionFailed, reason=NotOwnedBySharedPtr", "beginTransaction");
+        return nullptr;
+    }
     if (transactionInProgress) {
         logger.e("%s:error=beginTransactionFailed, reason=OneTransactionAlreadyinProgress",
                  "beginTransaction");

@@ -417,6 +417,27 @@ TEST(SQLiteDatabaseFiles, AClosedDatabaseRefusesWorkWithItsLines) {
     EXPECT_FALSE(FileIO::fileExists(dir.file("none.db")));
 }
 
+// A database not owned by a shared pointer could never be reached by its Transaction: it
+// refuses before BEGIN, so the write that follows is not held in a transaction nobody ends.
+TEST(SQLiteDatabaseFiles, ADatabaseNotOwnedBySharedPtrRefusesTransactions) {
+    test::TempDir dir;
+    test::LogCapture capture;
+    SQLiteDatabase database(dir.file("plain.db"));
+    ASSERT_TRUE(database.initialize());
+    ASSERT_TRUE(database.performQuery("CREATE TABLE t (id INTEGER);"));
+    EXPECT_EQ(database.beginTransaction(), nullptr);
+    EXPECT_TRUE(database.performQuery("INSERT INTO t VALUES (1);"));
+    database.close();
+    ASSERT_TRUE(database.open());
+    int rows = -1;
+    EXPECT_TRUE(getNumberTableRows(&database, "t", &rows));
+    EXPECT_EQ(rows, 1);
+    database.close();
+    EXPECT_EQ(capture.texts(ANDROID_LOG_ERROR, kDatabaseTag),
+              std::vector<std::string>{
+                  "beginTransaction:error=beginTransactionFailed, reason=NotOwnedBySharedPtr"});
+}
+
 TEST(SQLiteDatabaseFiles, AReadOnlyDirectoryRefusesANewDatabase) {
     if (geteuid() == 0) {
         GTEST_SKIP() << "permission checks do not apply to root";
