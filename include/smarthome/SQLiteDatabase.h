@@ -14,7 +14,9 @@
 // constraint, a full disk) leaves the transaction open, so that the caller may still roll
 // it back; when the caller has not, destroying its Transaction does (warning
 // "~Transaction:reason=CommitFailed, action=Rollback"). Left open, the transaction would
-// take in every later write on the connection, and close would lose them all.
+// take in every later write on the connection, and close would lose them all. When SQLite
+// has already ended the transaction itself (it does after some I/O errors), the failed
+// commit or rollback ends it here too.
 // Thread-safety: none; ThreadSafeSQLiteDatabase adds the lock.
 #pragma once
 

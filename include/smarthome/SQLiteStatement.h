@@ -24,7 +24,8 @@ public:
     SQLiteStatement(const SQLiteStatement&) = delete;
     SQLiteStatement& operator=(const SQLiteStatement&) = delete;
 
-    // Finalizes the statement; safe to call twice.
+    // Finalizes the statement; safe to call twice. Logs "finalizeFailed" only for a code
+    // of its own: SQLite repeats a failed last step's code here, and step() logged that.
     void finalize();
     bool isValid() const;
     // True for a row or completion; tell them apart with getStepResult().

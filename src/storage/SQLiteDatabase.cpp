@@ -206,8 +206,14 @@ bool SQLiteDatabase::endTransaction(const char* sql, const char* operation,
         return false;
     }
     if (!performQuery(sql)) {
-        // The flag stays set: a later rollback is still possible.
         logger.e(queryFailedFormat, operation);
+        // The flag stays set, so that a later rollback is still possible, unless SQLite has
+        // already rolled the transaction back itself (after some I/O errors, a full disk
+        // among them): then nothing is left to end, and a flag left set would refuse every
+        // later beginTransaction.
+        if (db && sqlite3_get_autocommit(db.get()) != 0) {
+            transactionInProgress = false;
+        }
         return false;
     }
     transactionInProgress = false;

@@ -39,8 +39,11 @@ void SQLiteStatement::finalize() {
     if (!stmt) {
         return;
     }
+    // SQLite releases the statement whatever it answers; the answer repeats the error of
+    // the last step when that failed (a full disk, a constraint), which step() has logged
+    // already. Only another code is a failure of the finalize itself.
     int code = sqlite3_finalize(stmt.release());
-    if (code != SQLITE_OK) {
+    if (code != SQLITE_OK && code != stepResult) {
         logger.e("%s:error=finalizeFailed, reason=CouldReleasePreparedStatement, rcode=%d",
                  "finalize", code);
     }

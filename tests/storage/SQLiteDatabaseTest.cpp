@@ -2,10 +2,14 @@
 
 #include <android/log.h>
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <climits>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -452,6 +456,127 @@ TEST(SQLiteDatabaseFiles, AReadOnlyDirectoryRefusesANewDatabase) {
     EXPECT_EQ(capture.texts(ANDROID_LOG_ERROR, kDatabaseTag),
               std::vector<std::string>{
                   "initialize:error=FailedToCreateDatabase, filePath=" + locked + "/new.db"});
+}
+
+// A write that needs the file to grow, and the error lines it leaves (all tags, in order).
+// The process's file size limit stands in for a full disk: SQLite reports the refused
+// write (EFBIG) as an I/O error, rcode=10, where a full disk gives rcode=13.
+struct GrowingWrite {
+    const char* name;
+    std::function<bool(SQLiteDatabase&)> run;  // true when the write was acknowledged
+    std::vector<std::string> errors;
+};
+
+const char kBigInsert[] = "INSERT INTO t VALUES (100, randomblob(100000));";
+
+const std::vector<GrowingWrite> kGrowingWrites = {
+    {"statement on its own",
+     [](SQLiteDatabase& database) { return database.performQuery(kBigInsert); },
+     {std::string("performQuery:error=performQueryFailed, query=") + kBigInsert +
+      ", rcode=10, errorMessage=disk I/O error"}},
+    {"transaction failing at COMMIT",
+     [](SQLiteDatabase& database) {
+         auto transaction = database.beginTransaction();
+         return transaction && database.performQuery(kBigInsert) && transaction->commit();
+     },
+     {"performQuery:error=performQueryFailed, query=COMMIT TRANSACTION;, rcode=10, "
+      "errorMessage=disk I/O error",
+      "commitTransaction:error=commitTransactionFailed, reason=QueryFailed"}},
+    // With a tiny page cache the rows go to the file before COMMIT: the failed step makes
+    // SQLite roll the whole transaction back, so the COMMIT finds none.
+    {"transaction failing in a statement",
+     [](SQLiteDatabase& database) {
+         auto transaction = database.beginTransaction();
+         auto insert = database.createStatement("INSERT INTO t VALUES (?, randomblob(3000));");
+         bool written = transaction && insert && database.performQuery("PRAGMA cache_size = 2;");
+         for (int id = 100; written && id < 200; ++id) {
+             written = insert->bindIntParameter(1, id) && insert->step() && insert->reset();
+         }
+         insert.reset();
+         return transaction && transaction->commit() && written;
+     },
+     {"step:error=stepFailed, reason=Executing the select did not generate a row or "
+      "completeresult=10",
+      "performQuery:error=performQueryFailed, query=COMMIT TRANSACTION;, rcode=1, "
+      "errorMessage=cannot commit - no transaction is active",
+      "commitTransaction:error=commitTransactionFailed, reason=QueryFailed"}},
+};
+
+int rowsOf(SQLiteDatabase& database) {
+    int rows = -1;
+    return getNumberTableRows(&database, "t", &rows) ? rows : -1;
+}
+
+// Runs in a child process: the write meets a file that may not grow, then the limit is
+// lifted and the same database object, reopened, takes a transaction again.
+void writeWithoutGrowth(const std::string& path, const GrowingWrite& write) {
+    signal(SIGXFSZ, SIG_IGN);  // the write then fails with EFBIG instead of ending the process
+    test::LogCapture capture;
+    auto database = SQLiteDatabase::create(path);
+    ASSERT_TRUE(database->open());
+    struct stat info {};
+    ASSERT_EQ(stat(path.c_str(), &info), 0);
+    rlimit limit{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &limit), 0);
+    const rlimit original = limit;
+    limit.rlim_cur = static_cast<rlim_t>(info.st_size);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
+    EXPECT_FALSE(write.run(*database));
+    EXPECT_EQ(rowsOf(*database), 10);
+    std::vector<std::string> errors;
+    for (const test::LogLine& line : capture.lines()) {
+        if (line.priority == ANDROID_LOG_ERROR) {
+            errors.push_back(line.text);
+        }
+    }
+    EXPECT_EQ(errors, write.errors);
+
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &original), 0);
+    database->close();
+    ASSERT_TRUE(database->open());
+    auto transaction = database->beginTransaction();
+    ASSERT_TRUE(transaction);
+    EXPECT_TRUE(database->performQuery(kBigInsert));
+    EXPECT_TRUE(transaction->commit());
+    transaction.reset();
+    database->close();
+}
+
+// Writes to a file that cannot grow fail with false and their lines, nothing committed
+// before is lost, and once the file may grow the database takes writes and is intact.
+TEST(SQLiteDatabaseFiles, AFileThatCannotGrowRefusesWritesAndKeepsCommittedRows) {
+    for (const GrowingWrite& write : kGrowingWrites) {
+        SCOPED_TRACE(write.name);
+        test::TempDir dir;
+        const std::string path = dir.file("full.db");
+        auto database = SQLiteDatabase::create(path);
+        ASSERT_TRUE(database->initialize());
+        ASSERT_TRUE(database->performQuery("CREATE TABLE t (id INTEGER, payload BLOB);"));
+        for (int id = 0; id < 10; ++id) {
+            ASSERT_TRUE(database->performQuery("INSERT INTO t VALUES (" + std::to_string(id) +
+                                               ", randomblob(1000));"));
+        }
+        database->close();
+
+        pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            writeWithoutGrowth(path, write);
+            _exit(testing::Test::HasFailure() ? 1 : 0);
+        }
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "child status " << status;
+
+        ASSERT_TRUE(database->open());
+        EXPECT_EQ(rowsOf(*database), 11);
+        EXPECT_TRUE(database->performQuery(kBigInsert));
+        auto check = database->createStatement("PRAGMA integrity_check;");
+        ASSERT_TRUE(check && check->step());
+        EXPECT_EQ(check->getColumnText(0), "ok");
+        check.reset();
+        database->close();
+    }
 }
 
 }  // namespace
