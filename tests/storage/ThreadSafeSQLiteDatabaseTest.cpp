@@ -100,6 +100,23 @@ TEST(ThreadSafeSQLiteDatabase, ClearAllTablesKeepsTablesAndLogsTheList) {
                                         "clearAllTablesFromDb:TableCleanupSuccessful",
                                         "clearAllTablesFromDb:listOftables=[a, b]",
                                         "clearAllTablesFromDb:TableCleanupSuccessful"}));
+
+    // A table whose rows cannot be deleted stops the loop there: earlier tables stay
+    // cleared, later ones keep their rows.
+    ASSERT_TRUE(database->performQuery(
+        "CREATE TABLE c (z); INSERT INTO a VALUES (1); INSERT INTO b VALUES (2);"
+        "INSERT INTO c VALUES (3);"
+        "CREATE TRIGGER keep BEFORE DELETE ON b BEGIN SELECT RAISE(ABORT, 'kept'); END;"));
+    capture.clear();
+    EXPECT_FALSE(database->clearAllTablesFromDb());
+    EXPECT_EQ(capture.texts(ANDROID_LOG_ERROR, kTag),
+              std::vector<std::string>{"clearAllTablesFromDb:error=removeAllTablesFromDb, "
+                                       "reason=clearTableFailed, name=b"});
+    EXPECT_EQ(test::sqliteShell(dir.file("clear.db"),
+                                "SELECT (SELECT count(*) FROM a), "
+                                "(SELECT count(*) FROM b), "
+                                "(SELECT count(*) FROM c);"),
+              "0|1|1\n");
     database->close();
 }
 
