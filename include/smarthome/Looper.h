@@ -16,8 +16,9 @@
 //    delayed work not yet due, and returns when the worker has finished.
 //  - Entries whose handler is gone (validity sentinel false) or absent are dropped.
 //
-// Memory: after a burst has been delivered, the looper gives back the entry storage and
-// container capacity it needed beyond what about a thousand pending entries take.
+// Memory: once a burst has been delivered and the looper has then been idle for 50 ms, it
+// gives back the entry storage and container capacity the burst needed beyond what about
+// a thousand pending entries take.
 // If its thread cannot be created, the constructor logs
 // "Looper:event=workerNotStarted,reason=<why>" at error level and the looper starts out
 // stopped: every send answers false.
@@ -80,13 +81,13 @@ private:
     // A handler's own sends. The entry borrows the handler's sentinel and is inserted only
     // while that sentinel holds true, checked under the lock; immediate entries are built
     // in the looper's entry storage. Same results as the public sends.
-    bool sendFromHandler(std::unique_ptr<Message> message, Handler* handler,
+    bool sendFromHandler(std::unique_ptr<Message>&& message, Handler* handler,
                          std::atomic<bool>* sentinel, Position position);
-    bool sendFromHandler(std::function<void()> runnable, Handler* handler,
+    bool sendFromHandler(std::function<void()>&& runnable, Handler* handler,
                          std::atomic<bool>* sentinel, Position position);
-    bool sendDelayedFromHandler(std::unique_ptr<Message> message, Handler* handler,
+    bool sendDelayedFromHandler(std::unique_ptr<Message>&& message, Handler* handler,
                                 std::atomic<bool>* sentinel, std::chrono::milliseconds delay);
-    bool sendDelayedFromHandler(std::function<void()> runnable, Handler* handler,
+    bool sendDelayedFromHandler(std::function<void()>&& runnable, Handler* handler,
                                 std::atomic<bool>* sentinel, std::chrono::milliseconds delay);
     // A departing handler, in one step under the lock: clears its sentinel and destroys its
     // pending entries, so that none can be added afterwards. The sentinel is kept until the

@@ -55,9 +55,9 @@ private:
     // lock, and the handler's destructor clears the sentinel and withdraws its entries in
     // one step under that lock; the sentinel itself is kept until the pass that may still
     // read it has ended.
-    MessageOrRunnable(std::unique_ptr<Message> message, Handler* handler,
+    MessageOrRunnable(std::unique_ptr<Message>&& message, Handler* handler,
                       std::atomic<bool>* borrowedSentinel);
-    MessageOrRunnable(std::function<void()> runnable, Handler* handler,
+    MessageOrRunnable(std::function<void()>&& runnable, Handler* handler,
                       std::atomic<bool>* borrowedSentinel);
 
     // The entry's state, held inline so that an entry costs one allocation.

@@ -51,13 +51,36 @@ EntrySlot* EntryPool::take() {
 }
 
 void EntryPool::giveBack(EntrySlot* slot) noexcept {
+    if (std::this_thread::get_id() == deliverer) {
+        slot->next = delivered;
+        delivered = slot;
+        if (deliveredTail == nullptr) {
+            deliveredTail = slot;
+        }
+        ++deliveredCount;
+        return;
+    }
+    pushGiven(slot, slot, 1);
+}
+
+void EntryPool::flushDelivered() noexcept {
+    if (delivered == nullptr) {
+        return;
+    }
+    pushGiven(delivered, deliveredTail, deliveredCount);
+    delivered = nullptr;
+    deliveredTail = nullptr;
+    deliveredCount = 0;
+}
+
+void EntryPool::pushGiven(EntrySlot* first, EntrySlot* last, size_t count) noexcept {
     EntrySlot* head = given.load(std::memory_order_relaxed);
     do {
-        slot->next = head;
-    } while (!given.compare_exchange_weak(head, slot, std::memory_order_release,
+        last->next = head;
+    } while (!given.compare_exchange_weak(head, first, std::memory_order_release,
                                           std::memory_order_relaxed));
     // After the push: a trim that finds every slot given back finds each on a list.
-    givenCount.fetch_add(1, std::memory_order_release);
+    givenCount.fetch_add(count, std::memory_order_release);
 }
 
 bool EntryPool::trim(size_t keepBlocks) {

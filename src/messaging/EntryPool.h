@@ -16,6 +16,7 @@
 #include <atomic>
 #include <cstddef>
 #include <memory>
+#include <thread>
 #include <vector>
 
 #include "smarthome/MessageOrRunnable.h"
@@ -49,6 +50,13 @@ public:
     bool trim(size_t keepBlocks);
     size_t blockCount() const { return blocks.size(); }
 
+    // The thread that delivers the entries (the looper's worker): what it gives back is
+    // kept on a list of its own, without an atomic operation per entry, until it calls
+    // flushDelivered(). Set before any other thread can reach the pool.
+    void setDeliverer(std::thread::id id) { deliverer = id; }
+    // Hands the deliverer's list to the taking side; called by the deliverer.
+    void flushDelivered() noexcept;
+
     // Where the entry built in slot lives.
     static void* storageOf(EntrySlot* slot);
     // Storage for an entry that does not come from a pool (header marks it as heap).
@@ -60,6 +68,7 @@ private:
     struct Block;
     void addBlock();
     void giveBack(EntrySlot* slot) noexcept;
+    void pushGiven(EntrySlot* first, EntrySlot* last, size_t count) noexcept;
 
     // The taking side (one thread at a time).
     EntrySlot* spare = nullptr;
@@ -67,8 +76,12 @@ private:
     std::vector<std::unique_ptr<Block>> blocks;
     // The giving side, on its own cache line: mostly the looper thread, once per entry it
     // delivers, while the taking side is a sender.
-    alignas(64) std::atomic<EntrySlot*> given{nullptr};  // pushed one by one, taken all at once
+    alignas(64) std::atomic<EntrySlot*> given{nullptr};  // pushed by any thread, taken at once
     std::atomic<size_t> givenCount{0};
+    std::thread::id deliverer;
+    EntrySlot* delivered = nullptr;  // the deliverer's own list
+    EntrySlot* deliveredTail = nullptr;
+    size_t deliveredCount = 0;
 };
 
 }  // namespace detail

@@ -30,6 +30,8 @@ using Clock = std::chrono::steady_clock;
 // larger burst needed is given back once it has been delivered.
 constexpr size_t kKeptEntryBlocks = 16;
 constexpr size_t kKeptContainerEntries = 4096;
+// How long the looper must have been idle before it gives back what a burst needed.
+constexpr std::chrono::milliseconds kIdleBeforeTrim{50};
 
 }  // namespace
 
@@ -155,6 +157,18 @@ struct Looper::State {
         });
     }
 
+    bool holdsBurstStorage() const SH_REQUIRES(mutex) {
+        return pool.blockCount() > kKeptEntryBlocks || delayed.capacity() > kKeptContainerEntries;
+    }
+
+    // Gives back the entry storage and delayed-list capacity beyond what the looper keeps.
+    void releaseBurstStorage() SH_REQUIRES(mutex) {
+        pool.trim(kKeptEntryBlocks);
+        if (delayed.capacity() > kKeptContainerEntries && delayed.size() < delayed.capacity() / 4) {
+            delayed.shrink_to_fit();
+        }
+    }
+
     void run();
     void deliverBatch();
     void endPass(unsigned long long pass);
@@ -184,14 +198,7 @@ void Looper::State::endPass(unsigned long long pass) {
         detail::MutexLock lock(mutex);
         passesCompleted = pass;
         released.swap(retired);
-        if (queue.empty()) {
-            // A burst has drained: give back the storage it needed.
-            pool.trim(kKeptEntryBlocks);
-            if (delayed.capacity() > kKeptContainerEntries &&
-                delayed.size() < delayed.capacity() / 4) {
-                delayed.shrink_to_fit();
-            }
-        }
+        pool.flushDelivered();
     }
     passDone.notify_all();
 }
@@ -228,10 +235,20 @@ void Looper::State::run() {
             // whose cause was withdrawn before the worker ran (a removed message) has been
             // claimed by its sender, and without raising the flag again the next sender
             // would not notify a worker that sleeps on.
-            const auto deadline = Clock::now() + std::chrono::milliseconds(waitMs);
+            const auto now = Clock::now();
+            const auto deadline = now + std::chrono::milliseconds(waitMs);
+            // Storage a burst needed is given back once the looper has been idle for a
+            // moment, not whenever it catches up: a burst the worker keeps up with in
+            // spurts would otherwise free and allocate it again and again.
+            auto trimAt = holdsBurstStorage() ? now + kIdleBeforeTrim : deadline;
             while (!(stopping || flushPending || !queue.empty() || delayedChanged)) {
                 waiting = true;
-                if (lock.waitUntil(wakeup, deadline) == std::cv_status::timeout) {
+                if (trimAt < deadline) {
+                    if (lock.waitUntil(wakeup, trimAt) == std::cv_status::timeout) {
+                        releaseBurstStorage();
+                        trimAt = deadline;
+                    }
+                } else if (lock.waitUntil(wakeup, deadline) == std::cv_status::timeout) {
                     break;
                 }
             }
@@ -259,6 +276,7 @@ Looper::Looper() : state(std::make_shared<State>()) {
         SMARTHOME_TEST_SEAM(detail::TestSeam::ThreadStart);
         state->worker = std::thread([shared] { shared->run(); });
         state->workerId = state->worker.get_id();
+        state->pool.setDeliverer(state->workerId);
     } catch (const std::system_error& error) {
         // Without a worker nothing could ever run: the looper starts out stopped.
         logger.e("%s:event=workerNotStarted,reason=%s", "Looper", error.what());
@@ -307,22 +325,22 @@ bool Looper::sendDelayedMessageOrRunnable(std::unique_ptr<MessageOrRunnable> ent
                   [&]() SH_NO_THREAD_SAFETY_ANALYSIS { s.schedule(std::move(entry), delay); });
 }
 
-bool Looper::sendFromHandler(std::unique_ptr<Message> message, Handler* handler,
+bool Looper::sendFromHandler(std::unique_ptr<Message>&& message, Handler* handler,
                              std::atomic<bool>* sentinel, Position position) {
     return state->sendFromHandler(message, handler, sentinel, position);
 }
 
-bool Looper::sendFromHandler(std::function<void()> runnable, Handler* handler,
+bool Looper::sendFromHandler(std::function<void()>&& runnable, Handler* handler,
                              std::atomic<bool>* sentinel, Position position) {
     return state->sendFromHandler(runnable, handler, sentinel, position);
 }
 
-bool Looper::sendDelayedFromHandler(std::unique_ptr<Message> message, Handler* handler,
+bool Looper::sendDelayedFromHandler(std::unique_ptr<Message>&& message, Handler* handler,
                                     std::atomic<bool>* sentinel, std::chrono::milliseconds delay) {
     return state->sendDelayedFromHandler(message, handler, sentinel, delay);
 }
 
-bool Looper::sendDelayedFromHandler(std::function<void()> runnable, Handler* handler,
+bool Looper::sendDelayedFromHandler(std::function<void()>&& runnable, Handler* handler,
                                     std::atomic<bool>* sentinel, std::chrono::milliseconds delay) {
     return state->sendDelayedFromHandler(runnable, handler, sentinel, delay);
 }

@@ -25,11 +25,11 @@ MessageOrRunnable::MessageOrRunnable(std::function<void()> runnable, Handler* ha
     impl.sentinel = impl.validity.get();
 }
 
-MessageOrRunnable::MessageOrRunnable(std::unique_ptr<Message> message, Handler* handler,
+MessageOrRunnable::MessageOrRunnable(std::unique_ptr<Message>&& message, Handler* handler,
                                      std::atomic<bool>* borrowedSentinel)
     : impl{std::move(message), nullptr, handler, nullptr, borrowedSentinel, true} {}
 
-MessageOrRunnable::MessageOrRunnable(std::function<void()> runnable, Handler* handler,
+MessageOrRunnable::MessageOrRunnable(std::function<void()>&& runnable, Handler* handler,
                                      std::atomic<bool>* borrowedSentinel)
     : impl{nullptr, std::move(runnable), handler, nullptr, borrowedSentinel, false} {}
 
