@@ -44,6 +44,9 @@ HEADER_ONLY = {
     "SynchronizedHashMap": "src/storage",
     "VantorDimensionType": "src/metrics",
     "VantorPredefinedKey": "src/metrics",
+    "TCP_IP": "src/V3API",
+    "ZIGBEE": "src/V3API",
+    "BLE": "src/V3API",
 }
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*[<"]([^">]+)[">]')

@@ -1,0 +1,79 @@
+#include "smarthome/V3API/ReportEndpointsPayload.h"
+
+#include <utility>
+
+#include "smarthome/SmartHomeLogger.h"
+
+namespace smarthome {
+namespace V3API {
+
+namespace {
+
+const SmartHomeLogger logger("ReportEndpointsPayload");
+
+}  // namespace
+
+ReportEndpointsPayload::ReportEndpointsPayload(
+    std::vector<std::shared_ptr<ReportEndpoint>> endpoints)
+    : endpoints(std::move(endpoints)) {}
+
+std::shared_ptr<ReportEndpointsPayload> ReportEndpointsPayload::getErrorEndpointsPayload() {
+    auto payload =
+        std::make_shared<ReportEndpointsPayload>(std::vector<std::shared_ptr<ReportEndpoint>>());
+    payload->error = true;
+    return payload;
+}
+
+template <class Value>
+std::shared_ptr<ReportEndpointsPayload> ReportEndpointsPayload::read(const Value& value) {
+    const Value* list = nullptr;
+    if (value.IsObject()) {
+        const auto member = value.FindMember("endpoints");
+        if (member != value.MemberEnd() && member->value.IsArray()) {
+            list = &member->value;
+        }
+    }
+    if (list == nullptr) {
+        logger.e("%s:event=parserError,reason=valueNotAnArray,action=invalid,key=%s", "create",
+                 "endpoints");
+        return getErrorEndpointsPayload();
+    }
+    std::vector<std::shared_ptr<ReportEndpoint>> endpoints;
+    endpoints.reserve(list->Size());
+    for (const auto& element : list->GetArray()) {
+        auto endpoint = ReportEndpoint::create(element);
+        if (endpoint->hasError()) {
+            return getErrorEndpointsPayload();
+        }
+        endpoints.push_back(std::move(endpoint));
+    }
+    return std::make_shared<ReportEndpointsPayload>(std::move(endpoints));
+}
+
+std::shared_ptr<ReportEndpointsPayload> ReportEndpointsPayload::create(const JSONValue& value) {
+    return read(value);
+}
+
+std::shared_ptr<ReportEndpointsPayload> ReportEndpointsPayload::create(
+    const rapidjson::Value& value) {
+    return read(value);
+}
+
+JSONValue ReportEndpointsPayload::toJson(rapidjson::CrtAllocator& allocator) const {
+    JSONValue list(rapidjson::kArrayType);
+    list.Reserve(static_cast<rapidjson::SizeType>(endpoints.size()), allocator);
+    for (const auto& endpoint : endpoints) {
+        list.PushBack(endpoint->toJson(allocator), allocator);
+    }
+    JSONValue object(rapidjson::kObjectType);
+    object.AddMember("endpoints", list, allocator);
+    return object;
+}
+
+std::string ReportEndpointsPayload::toJsonString() const {
+    rapidjson::CrtAllocator allocator;
+    return JSONUtil::getStringForJSON(toJson(allocator));
+}
+
+}  // namespace V3API
+}  // namespace smarthome
