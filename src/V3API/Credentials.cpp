@@ -39,11 +39,11 @@ std::shared_ptr<Credentials> Credentials::create(const rapidjson::Value& value) 
     return read(value);
 }
 
-JSONValue Credentials::toJson(rapidjson::CrtAllocator& allocator) const {
-    JSONValue object(rapidjson::kObjectType);
-    detail::writeOptionalString(object, "discoveryKey", discoveryKey, allocator);
-    detail::writeOptionalString(object, "controlKey", controlKey, allocator);
-    return object;
+void Credentials::write(JsonTextWriter& writer) const {
+    writer.StartObject();
+    detail::writeOptionalString(writer, "discoveryKey", discoveryKey);
+    detail::writeOptionalString(writer, "controlKey", controlKey);
+    writer.EndObject();
 }
 
 }  // namespace V3API

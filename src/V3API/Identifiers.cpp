@@ -45,12 +45,12 @@ std::shared_ptr<Identifiers> Identifiers::create(const rapidjson::Value& value) 
     return read(value);
 }
 
-JSONValue Identifiers::toJson(rapidjson::CrtAllocator& allocator) const {
-    JSONValue object(rapidjson::kObjectType);
-    detail::writeOptionalString(object, "customIdentifier", customIdentifier, allocator);
-    detail::writeOptionalString(object, "serialNumber", serialNumber, allocator);
-    detail::writeOptionalString(object, "macAddress", macAddress, allocator);
-    return object;
+void Identifiers::write(JsonTextWriter& writer) const {
+    writer.StartObject();
+    detail::writeOptionalString(writer, "customIdentifier", customIdentifier);
+    detail::writeOptionalString(writer, "serialNumber", serialNumber);
+    detail::writeOptionalString(writer, "macAddress", macAddress);
+    writer.EndObject();
 }
 
 }  // namespace V3API

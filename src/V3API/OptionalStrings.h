@@ -6,6 +6,7 @@
 
 #include "smarthome/JSONUtil.h"
 #include "smarthome/SmartHomeLogger.h"
+#include "smarthome/V3API/JsonTextWriter.h"
 
 namespace smarthome {
 namespace V3API {
@@ -40,11 +41,11 @@ bool requireObject(const Value& value, const char* key, const SmartHomeLogger& l
     return false;
 }
 
-inline void writeOptionalString(JSONValue& object, const char* key,
-                                const std::shared_ptr<std::string>& value,
-                                rapidjson::CrtAllocator& allocator) {
+inline void writeOptionalString(JsonTextWriter& writer, const char* key,
+                                const std::shared_ptr<std::string>& value) {
     if (value) {
-        object.AddMember(rapidjson::StringRef(key), JSONValue(*value, allocator), allocator);
+        writer.Key(key);
+        writer.String(value->data(), static_cast<rapidjson::SizeType>(value->size()));
     }
 }
 

@@ -80,21 +80,23 @@ std::shared_ptr<ReportEndpoint> ReportEndpoint::create(const rapidjson::Value& v
     return read(value);
 }
 
-JSONValue ReportEndpoint::toJson(rapidjson::CrtAllocator& allocator) const {
-    JSONValue object(rapidjson::kObjectType);
-    JSONValue list(rapidjson::kArrayType);
-    list.Reserve(static_cast<rapidjson::SizeType>(connections.size()), allocator);
+void ReportEndpoint::write(JsonTextWriter& writer) const {
+    writer.StartObject();
+    writer.Key("connections");
+    writer.StartArray();
     for (const auto& connection : connections) {
-        list.PushBack(connection->toJson(allocator), allocator);
+        connection->write(writer);
     }
-    object.AddMember("connections", list, allocator);
+    writer.EndArray();
     if (credentials) {
-        object.AddMember("credentials", credentials->toJson(allocator), allocator);
+        writer.Key("credentials");
+        credentials->write(writer);
     }
     if (identifiers) {
-        object.AddMember("identifiers", identifiers->toJson(allocator), allocator);
+        writer.Key("identifiers");
+        identifiers->write(writer);
     }
-    return object;
+    writer.EndObject();
 }
 
 }  // namespace V3API

@@ -56,13 +56,16 @@ bool ReportEndpointCHIPConnection::isValidManualPairingCode(const std::string& c
     return check == 0;
 }
 
-JSONValue ReportEndpointCHIPConnection::toJson(rapidjson::CrtAllocator& allocator) const {
-    JSONValue object = ReportEndpointConnection::toJson(allocator);
-    JSONValue protocolData(rapidjson::kObjectType);
-    protocolData.AddMember("manualPairingCode", JSONValue(manualPairingCode, allocator), allocator);
+void ReportEndpointCHIPConnection::writeMembers(JsonTextWriter& writer) const {
+    ReportEndpointConnection::writeMembers(writer);
+    writer.Key("protocolData");
+    writer.StartObject();
+    writer.Key("manualPairingCode");
+    writer.String(manualPairingCode.data(),
+                  static_cast<rapidjson::SizeType>(manualPairingCode.size()));
     if (discriminatorProvided) {
-        protocolData.AddMember("discriminator", JSONValue(static_cast<unsigned>(discriminator)),
-                               allocator);
+        writer.Key("discriminator");
+        writer.Uint(discriminator);
     }
     const std::time_t seconds = std::chrono::system_clock::to_time_t(
         std::chrono::time_point_cast<std::chrono::system_clock::duration>(expiry));
@@ -71,10 +74,9 @@ JSONValue ReportEndpointCHIPConnection::toJson(rapidjson::CrtAllocator& allocato
     if (localtime_r(&seconds, &calendar) != nullptr) {
         static_cast<void>(std::strftime(text, sizeof text, kTimestampFormat, &calendar));
     }
-    protocolData.AddMember("commissioningWindowExpirationTimestamp", JSONValue(text, allocator),
-                           allocator);
-    object.AddMember("protocolData", protocolData, allocator);
-    return object;
+    writer.Key("commissioningWindowExpirationTimestamp");
+    writer.String(text);
+    writer.EndObject();
 }
 
 }  // namespace V3API

@@ -4,6 +4,7 @@
 #include <ctime>
 #include <utility>
 
+#include "V3API/LocalTime.h"
 #include "smarthome/SmartHomeLogger.h"
 #include "smarthome/SystemPropertyWrapper.h"
 #include "smarthome/V3API/ReportEndpointCHIPConnection.h"
@@ -108,9 +109,8 @@ bool parseExpiry(const std::string& text, ReportEndpointCHIPConnection::ExpiryTi
         logger.e("%s:event=FailedToParseInputTime: %s", "create", text.c_str());
         return false;
     }
-    calendar.tm_isdst = -1;  // local time, daylight saving as the date has it
-    const std::time_t seconds = std::mktime(&calendar);
-    if (seconds == static_cast<std::time_t>(-1)) {
+    std::time_t seconds = 0;  // local time, daylight saving as the date has it
+    if (!detail::localTimeToEpoch(calendar, &seconds)) {
         logger.e("%s:reason=InvalidCommissioningWindowExpirationTimestamp", "create");
         return false;
     }
@@ -195,17 +195,22 @@ std::shared_ptr<ReportEndpointConnection> ReportEndpointConnection::create(
     return read(value);
 }
 
-JSONValue ReportEndpointConnection::toJson(rapidjson::CrtAllocator& allocator) const {
-    JSONValue object(rapidjson::kObjectType);
+void ReportEndpointConnection::write(JsonTextWriter& writer) const {
+    writer.StartObject();
+    writeMembers(writer);
+    writer.EndObject();
+}
+
+void ReportEndpointConnection::writeMembers(JsonTextWriter& writer) const {
     const std::pair<const char*, const std::string*> members[] = {
         {"type", &type}, {"id", &id}, {"version", &version}, {"macAddress", &macAddress}};
     for (const auto& member : members) {
         if (!member.second->empty()) {
-            object.AddMember(rapidjson::StringRef(member.first),
-                             JSONValue(*member.second, allocator), allocator);
+            writer.Key(member.first);
+            writer.String(member.second->data(),
+                          static_cast<rapidjson::SizeType>(member.second->size()));
         }
     }
-    return object;
 }
 
 }  // namespace V3API

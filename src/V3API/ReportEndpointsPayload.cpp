@@ -59,20 +59,22 @@ std::shared_ptr<ReportEndpointsPayload> ReportEndpointsPayload::create(
     return read(value);
 }
 
-JSONValue ReportEndpointsPayload::toJson(rapidjson::CrtAllocator& allocator) const {
-    JSONValue list(rapidjson::kArrayType);
-    list.Reserve(static_cast<rapidjson::SizeType>(endpoints.size()), allocator);
+void ReportEndpointsPayload::write(JsonTextWriter& writer) const {
+    writer.StartObject();
+    writer.Key("endpoints");
+    writer.StartArray();
     for (const auto& endpoint : endpoints) {
-        list.PushBack(endpoint->toJson(allocator), allocator);
+        endpoint->write(writer);
     }
-    JSONValue object(rapidjson::kObjectType);
-    object.AddMember("endpoints", list, allocator);
-    return object;
+    writer.EndArray();
+    writer.EndObject();
 }
 
 std::string ReportEndpointsPayload::toJsonString() const {
-    rapidjson::CrtAllocator allocator;
-    return JSONUtil::getStringForJSON(toJson(allocator));
+    rapidjson::StringBuffer buffer;
+    JsonTextWriter writer(buffer);
+    write(writer);
+    return std::string(buffer.GetString(), buffer.GetSize());
 }
 
 }  // namespace V3API

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "smarthome/JSONUtil.h"
+#include "smarthome/V3API/JsonTextWriter.h"
 
 namespace smarthome {
 namespace V3API {
@@ -33,7 +34,7 @@ public:
     [[nodiscard]] bool hasError() const { return error; }
 
     // The present members, as read.
-    [[nodiscard]] JSONValue toJson(rapidjson::CrtAllocator& allocator) const;
+    void write(JsonTextWriter& writer) const;
 
 private:
     template <class Value>

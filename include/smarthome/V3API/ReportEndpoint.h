@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "smarthome/JSONUtil.h"
+#include "smarthome/V3API/JsonTextWriter.h"
 #include "smarthome/V3API/Credentials.h"
 #include "smarthome/V3API/Identifiers.h"
 #include "smarthome/V3API/ReportEndpointConnection.h"
@@ -43,7 +44,7 @@ public:
     [[nodiscard]] bool hasError() const { return error; }
 
     // "connections", then "credentials" and "identifiers" when present.
-    [[nodiscard]] JSONValue toJson(rapidjson::CrtAllocator& allocator) const;
+    void write(JsonTextWriter& writer) const;
 
 private:
     template <class Value>

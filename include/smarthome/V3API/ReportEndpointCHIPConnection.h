@@ -58,9 +58,10 @@ public:
     // The rule above.
     [[nodiscard]] static bool isValidManualPairingCode(const std::string& code);
 
+protected:
     // The base members, then "protocolData": {"manualPairingCode", "discriminator" (when it
     // was read), "commissioningWindowExpirationTimestamp" (local time, the form above)}.
-    [[nodiscard]] JSONValue toJson(rapidjson::CrtAllocator& allocator) const override;
+    void writeMembers(JsonTextWriter& writer) const override;
 
 private:
     std::string manualPairingCode;

@@ -18,6 +18,7 @@
 #include <string>
 
 #include "smarthome/JSONUtil.h"
+#include "smarthome/V3API/JsonTextWriter.h"
 
 namespace smarthome {
 namespace V3API {
@@ -42,9 +43,11 @@ public:
 
     // The connection written back: "type", "id", "version" and "macAddress" when not empty
     // (a member the report left out or gave as "" is left out), then the form's own members.
-    [[nodiscard]] virtual JSONValue toJson(rapidjson::CrtAllocator& allocator) const;
+    void write(JsonTextWriter& writer) const;
 
 protected:
+    // The members inside the object, in order.
+    virtual void writeMembers(JsonTextWriter& writer) const;
     void setMacAddress(std::string address) { macAddress = std::move(address); }
 
 private:

@@ -43,7 +43,7 @@ public:
     [[nodiscard]] bool hasError() const { return error; }
 
     // {"endpoints": [...]}.
-    [[nodiscard]] JSONValue toJson(rapidjson::CrtAllocator& allocator) const;
+    void write(JsonTextWriter& writer) const;
     [[nodiscard]] std::string toJsonString() const;
 
 private:
