@@ -1,6 +1,7 @@
 #include "V3API/LocalTime.h"
 
 #include <atomic>
+#include <cerrno>
 #include <chrono>
 
 namespace smarthome {
@@ -34,8 +35,9 @@ bool offsetAt(std::time_t when, long* offset) {
 bool localTimeToEpoch(const std::tm& local, std::time_t* seconds) {
     refreshZoneAtMostOncePerSecond();
     std::tm fields = local;
+    errno = 0;
     const std::time_t asUniversal = timegm(&fields);
-    if (asUniversal == static_cast<std::time_t>(-1)) {
+    if (asUniversal == static_cast<std::time_t>(-1) && errno == EOVERFLOW) {
         return false;
     }
     // Offsets lie within a day of universal time, so the wanted instant lies between the

@@ -67,8 +67,10 @@ void ReportEndpointCHIPConnection::writeMembers(JsonTextWriter& writer) const {
         writer.Key("discriminator");
         writer.Uint(discriminator);
     }
-    const std::time_t seconds = std::chrono::system_clock::to_time_t(
-        std::chrono::time_point_cast<std::chrono::system_clock::duration>(expiry));
+    // Through seconds, not the system clock's nanoseconds: an expiry far in the future
+    // (any year up to 9999 reads) stays in range.
+    const auto seconds = static_cast<std::time_t>(
+        std::chrono::duration_cast<std::chrono::seconds>(expiry.time_since_epoch()).count());
     std::tm calendar{};
     char text[32] = {};
     if (localtime_r(&seconds, &calendar) != nullptr) {

@@ -105,7 +105,7 @@ bool parseExpiry(const std::string& text, ReportEndpointCHIPConnection::ExpiryTi
     std::tm calendar{};
     const char* end =
         strptime(text.c_str(), ReportEndpointCHIPConnection::kTimestampFormat, &calendar);
-    if (end == nullptr || *end != '\0') {
+    if (end != text.c_str() + text.size()) {
         logger.e("%s:event=FailedToParseInputTime: %s", "create", text.c_str());
         return false;
     }
@@ -114,8 +114,7 @@ bool parseExpiry(const std::string& text, ReportEndpointCHIPConnection::ExpiryTi
         logger.e("%s:reason=InvalidCommissioningWindowExpirationTimestamp", "create");
         return false;
     }
-    *expiry = std::chrono::time_point_cast<std::chrono::microseconds>(
-        std::chrono::system_clock::from_time_t(seconds));
+    *expiry = ReportEndpointCHIPConnection::ExpiryTime(std::chrono::seconds(seconds));
     logger.i("%s:CommissioningExpirationTimestampParsed=%s", "create", text.c_str());
     return true;
 }

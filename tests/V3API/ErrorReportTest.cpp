@@ -120,6 +120,36 @@ TEST(ErrorReport, EveryReportReadsBackEqual) {
                  ErrorReport(ErrorReport::Cause::CUSTOMER_INITIATED, "session", nullptr, {}));
 }
 
+TEST(ErrorReport, ReportsDifferingInAnyOneValueAreUnequal) {
+    const auto make = [](int changed) {
+        const auto text = [changed](int which, const char* value) {
+            return std::string(value) + (changed == which ? "'" : "");
+        };
+        const auto pick = [changed](int which) { return changed == which ? 1 : 0; };
+        return ErrorReport(
+            static_cast<ErrorReport::Cause>(pick(0)), text(1, "session"),
+            std::make_shared<ErrorReportProvisioner>(text(2, "t"), text(3, "m"), text(4, "model"),
+                                                     text(5, "sn"), text(6, "sw")),
+            {std::make_shared<ErrorReportError>(
+                std::make_shared<Protocol>(
+                    static_cast<Protocol::ProtocolType>(pick(7)),
+                    static_cast<Protocol::ProtocolName>(pick(8)), text(9, "1"),
+                    std::make_shared<Transport>(static_cast<Transport::TransportType>(pick(10)),
+                                                text(11, "2"))),
+                std::make_shared<Detail>(static_cast<Detail::ErrorCode>(pick(12)),
+                                         static_cast<Detail::ErrorStep>(pick(13)), text(14, "msg")),
+                std::make_shared<ErrorReportErrorEndpoint>(
+                    std::vector<std::shared_ptr<EndpointId>>{std::make_shared<EndpointId>(
+                        static_cast<EndpointId::IdentifierType>(pick(15)), text(16, "id"))},
+                    -50 + pick(17), text(18, "v"), text(19, "model"), text(20, "maker")))});
+    };
+    const ErrorReport base = make(-1);
+    EXPECT_TRUE(base == make(-1));
+    for (int changed = 0; changed <= 20; ++changed) {
+        EXPECT_TRUE(base != make(changed)) << "value " << changed;
+    }
+}
+
 TEST(ErrorReport, AMemberOfTheWrongKindIsLoggedAndRefused) {
     struct Case {
         const char* json;

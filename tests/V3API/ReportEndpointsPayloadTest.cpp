@@ -158,6 +158,22 @@ TEST(ReportEndpointCHIPConnection, ManualPairingCodesNeedLengthPrefixAndCheckDig
             }
         }
     }
+    // Every prefix has exactly one check digit, and only a first digit announcing its length.
+    unsigned seed = 12345;
+    for (int round = 0; round < 400; ++round) {
+        const std::size_t length = round % 2 == 0 ? 11 : 21;
+        std::string code;
+        for (std::size_t i = 0; i + 1 < length; ++i) {
+            seed = seed * 1103515245U + 12345U;
+            code.push_back(static_cast<char>('0' + (seed >> 16) % 10));
+        }
+        const int first = code[0] - '0';
+        int valid = 0;
+        for (char check = '0'; check <= '9'; ++check) {
+            valid += ReportEndpointCHIPConnection::isValidManualPairingCode(code + check) ? 1 : 0;
+        }
+        EXPECT_EQ(valid, first <= 7 && (first >= 4) == (length == 21) ? 1 : 0) << code;
+    }
     // 21 digits announced by a first digit below 4, 11 by one of 4 or more (check digits right).
     for (const char* invalid : {"", "3497011233", "3497-112332", "74970112336",
                                 "349701123325521327694", "84970112332", " 34970112332"}) {
@@ -220,6 +236,17 @@ TEST(ReportEndpointCHIPConnection, ExpiryIsLocalTimeAndTheDiscriminatorNeedsTest
         EXPECT_EQ(log.texts(ANDROID_LOG_INFO, "SmartHome:ReportEndpointConnection"),
                   std::vector<std::string>{
                       "create:CommissioningExpirationTimestampParsed=2026-01-15T12:00:00"});
+    }
+    {
+        TimeZone zone("UTC0");
+        const auto payload = ReportEndpointsPayload::create(parsed(matterConnection(
+            R"({"manualPairingCode":"34970112332","commissioningWindowExpirationTimestamp":"9999-12-31T23:59:59"})")));
+        ASSERT_FALSE(payload->hasError());
+        const auto connection = std::dynamic_pointer_cast<ReportEndpointCHIPConnection>(
+            payload->getEndpoints().at(0)->getConnections().at(0));
+        EXPECT_EQ(connection->getCommissioningWindowExpiration().time_since_epoch().count(),
+                  253402300799LL * 1000000);
+        EXPECT_NE(payload->toJsonString().find("9999-12-31T23:59:59"), std::string::npos);
     }
     const SystemPropertyWrapper properties;
     ASSERT_TRUE(properties.setSystemProperty("matter.automation.testing", "true"));
