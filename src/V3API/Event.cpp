@@ -19,14 +19,14 @@ std::string Event::toJson() const {
         payload->buildHeader(header);
         payload->buildEndpoint(endpoint);
         body = payload->buildPayload(allocator);
+        // The header names this event, not the directive it answers; the members keep
+        // their places.
+        header.FindMember("namespace")->value.SetString(nameSpace, allocator);
+        header.FindMember("name")->value.SetString(name, allocator);
     } else {
-        header.AddMember("namespace", "", allocator);
-        header.AddMember("name", "", allocator);
+        header.AddMember("namespace", JSONValue(nameSpace, allocator), allocator);
+        header.AddMember("name", JSONValue(name, allocator), allocator);
     }
-    // The header names this event, not the directive it answers; the members keep their
-    // places.
-    header["namespace"].SetString(nameSpace, allocator);
-    header["name"].SetString(name, allocator);
 
     JSONValue event(rapidjson::kObjectType);
     event.AddMember("header", JSONValue(header, allocator), allocator);
