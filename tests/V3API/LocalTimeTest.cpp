@@ -2,8 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <string>
+#include <thread>
+
+#include "testing/TestSupport.h"
 
 namespace smarthome {
 namespace V3API {
@@ -45,6 +49,31 @@ TEST(LocalTime, AgreesWithMktimeEveryQuarterHourInManyZones) {
             }
         }
     }
+    saved != nullptr ? setenv("TZ", savedZone.c_str(), 1) : unsetenv("TZ");
+    tzset();
+}
+
+// A daemon runs for months: a changed zone is picked up without anyone calling tzset().
+TEST(LocalTime, NoticesAChangedZoneWithinAboutASecond) {
+    const char* saved = std::getenv("TZ");
+    const std::string savedZone = saved != nullptr ? saved : "";
+    setenv("TZ", "UTC0", 1);
+    tzset();
+    std::tm noon{};
+    noon.tm_year = 126;
+    noon.tm_mon = 0;
+    noon.tm_mday = 15;
+    noon.tm_hour = 12;
+    std::time_t converted = 0;
+    ASSERT_TRUE(detail::localTimeToEpoch(noon, &converted));
+    const std::time_t inUtc = converted;
+    setenv("TZ", "CET-1", 1);  // no tzset(): the conversion must notice by itself
+    const auto deadline = std::chrono::steady_clock::now() + test::kTestTimeout;
+    while (converted == inUtc && std::chrono::steady_clock::now() < deadline) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));  // polling, not waiting
+        ASSERT_TRUE(detail::localTimeToEpoch(noon, &converted));
+    }
+    EXPECT_EQ(converted, inUtc - 3600);
     saved != nullptr ? setenv("TZ", savedZone.c_str(), 1) : unsetenv("TZ");
     tzset();
 }
