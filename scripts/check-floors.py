@@ -44,6 +44,7 @@ HEADER_ONLY = {
     "SynchronizedHashMap": "src/storage",
     "VantorDimensionType": "src/metrics",
     "VantorPredefinedKey": "src/metrics",
+    "JsonTextWriter": "src/V3API",
     "TCP_IP": "src/V3API",
     "ZIGBEE": "src/V3API",
     "BLE": "src/V3API",
