@@ -45,6 +45,7 @@ HEADER_ONLY = {
     "VantorDimensionType": "src/metrics",
     "VantorPredefinedKey": "src/metrics",
     "JsonTextWriter": "src/V3API",
+    "CommissioneeTypes": "src/network",
     "TCP_IP": "src/V3API",
     "ZIGBEE": "src/V3API",
     "BLE": "src/V3API",
