@@ -71,6 +71,10 @@ TEST(HubCapabilityConfigUtils, ValidationChecksInOrderAndNamesTheFirstFailure) {
     rapidjson::Document pooled;
     pooled.Parse(kZigbee);
     EXPECT_TRUE(HubCapabilityConfigUtils::validateApplicationProtocol(pooled));
+    EXPECT_TRUE(HubCapabilityConfigUtils::validateCommissioneeTypes(pooled["commissioneeTypes"]));
+    EXPECT_FALSE(HubCapabilityConfigUtils::validateCommissioneeTypes(pooled["type"]));
+    EXPECT_EQ(HubCapabilityConfigUtils::parseCommissioneeTypes(pooled).deviceTypes,
+              std::vector<std::string>{"LIGHT"});
 }
 
 TEST(HubCapabilityConfigUtils, ReadsTheFileAndCountsCompletePasses) {
