@@ -16,9 +16,9 @@
 #include <vector>
 
 #include "smarthome/JSONUtil.h"
-#include "smarthome/V3API/JsonTextWriter.h"
 #include "smarthome/V3API/Credentials.h"
 #include "smarthome/V3API/Identifiers.h"
+#include "smarthome/V3API/JsonTextWriter.h"
 #include "smarthome/V3API/ReportEndpointConnection.h"
 
 namespace smarthome {

@@ -29,9 +29,9 @@ std::array<std::uint8_t, 16> randomBytes() {
         std::random_device source;
         fill(source);
     } catch (...) {
-        thread_local std::mt19937 fallback(static_cast<std::uint32_t>(
-            std::chrono::steady_clock::now().time_since_epoch().count() ^
-            reinterpret_cast<std::uintptr_t>(&bytes)));
+        thread_local std::mt19937 fallback(
+            static_cast<std::uint32_t>(std::chrono::steady_clock::now().time_since_epoch().count() ^
+                                       reinterpret_cast<std::uintptr_t>(&bytes)));
         fill(fallback);
     }
     return bytes;
